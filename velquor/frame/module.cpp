@@ -1,0 +1,163 @@
+#include "velquor/frame/module.h"
+
+#include <algorithm>
+#include <memory>
+#include <new>
+#include <shared_mutex>
+#include <vector>
+
+#include "velquor/frame/message.h"
+
+namespace velquor {
+
+namespace {
+
+struct ResourceChain {
+  std::shared_mutex mutex;
+  std::vector<std::unique_ptr<CDynLinkLibrary>> links;  // oldest first
+};
+
+// Never destroyed, so lookups from other static destructors stay safe.
+ResourceChain& Chain() {
+  static ResourceChain* chain = new ResourceChain;
+  return *chain;
+}
+
+std::once_flag firstAttach;
+bool lifecycleTouched = false;  // guarded by the chain mutex
+
+}  // namespace
+
+ResourceModule::ResourceModule(std::string name, std::span<const EmbeddedResource> resources)
+    : name_(std::move(name)), resources_(resources) {}
+
+const EmbeddedResource* ResourceModule::FindResource(std::string_view type,
+                                                     std::string_view name) const {
+  for (const EmbeddedResource& resource : resources_) {
+    if (type == resource.type && name == resource.name) return &resource;
+  }
+  return nullptr;
+}
+
+const std::string* ResourceModule::FindString(std::uint32_t id) const {
+  std::call_once(stringsParsed_, [this] {
+    const EmbeddedResource* table = FindResource(kStringTableType, kStringTableName);
+    if (table == nullptr) return;
+    std::string error;
+    const std::string_view text(reinterpret_cast<const char*>(table->data), table->size);
+    if (!ParseStringTable(text, strings_, error)) {
+      ShowMessage(MessageKind::kError, "string table of " + name_ + ": " + error);
+    }
+  });
+  const auto found = strings_.find(id);
+  return found == strings_.end() ? nullptr : &found->second;
+}
+
+bool InitExtensionModule(CExtensionModule& module, const ResourceModule* resources) {
+  if (resources == nullptr) return false;
+  std::unique_lock lock(Chain().mutex);
+  module.resources = resources;
+  module.initialized = true;
+  return true;
+}
+
+void TermExtensionModule(CExtensionModule& module) {
+  std::unique_lock lock(Chain().mutex);
+  auto& links = Chain().links;
+  std::erase_if(links, [&](const auto& link) { return &link->Module() == &module; });
+  module.initialized = false;
+}
+
+CDynLinkLibrary* AddResourceLink(CExtensionModule& module) {
+  std::unique_lock lock(Chain().mutex);
+  if (!module.initialized) return nullptr;
+  auto link = std::unique_ptr<CDynLinkLibrary>(new (std::nothrow) CDynLinkLibrary(module));
+  if (!link) return nullptr;
+  try {
+    Chain().links.push_back(std::move(link));
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+  return Chain().links.back().get();
+}
+
+std::size_t ResourceChainLength() {
+  std::shared_lock lock(Chain().mutex);
+  return Chain().links.size();
+}
+
+CExtensionModule& VelquorModule() {
+  static CExtensionModule module;
+  return module;
+}
+
+namespace {
+
+const ResourceModule& VelquorResources() {
+  static const ResourceModule* resources = new ResourceModule("velquor", EmbeddedResourceTable());
+  return *resources;
+}
+
+void MarkLifecycleTouched() {
+  std::unique_lock lock(Chain().mutex);
+  lifecycleTouched = true;
+}
+
+}  // namespace
+
+int VelquorModuleEntry(ModuleReason reason) {
+  switch (reason) {
+    case ModuleReason::kProcessAttach:
+      MarkLifecycleTouched();
+      if (!InitExtensionModule(VelquorModule(), &VelquorResources())) return 0;
+      return AddResourceLink(VelquorModule()) != nullptr ? 1 : 0;
+    case ModuleReason::kProcessDetach:
+      MarkLifecycleTouched();
+      TermExtensionModule(VelquorModule());
+      return 1;
+    case ModuleReason::kThreadAttach:
+    case ModuleReason::kThreadDetach:
+      return 1;
+  }
+  return 1;
+}
+
+void EnsureVelquorAttached() {
+  std::call_once(firstAttach, [] {
+    bool touched = false;
+    {
+      std::shared_lock lock(Chain().mutex);
+      touched = lifecycleTouched;
+    }
+    if (!touched) VelquorModuleEntry(ModuleReason::kProcessAttach);
+  });
+}
+
+CDynLinkLibrary* InitVelquorModule() { return AddResourceLink(VelquorModule()); }
+
+bool FindStringOnChain(std::uint32_t id, std::string& out) {
+  EnsureVelquorAttached();
+  std::shared_lock lock(Chain().mutex);
+  const auto& links = Chain().links;
+  for (auto link = links.rbegin(); link != links.rend(); ++link) {
+    if (const std::string* text = (*link)->Module().resources->FindString(id)) {
+      out = *text;
+      return true;
+    }
+  }
+  return false;
+}
+
+const EmbeddedResource* FindResourceOnChain(std::string_view type, std::string_view name) {
+  EnsureVelquorAttached();
+  std::shared_lock lock(Chain().mutex);
+  const auto& links = Chain().links;
+  for (auto link = links.rbegin(); link != links.rend(); ++link) {
+    if (const EmbeddedResource* found = (*link)->Module().resources->FindResource(type, name)) {
+      return found;
+    }
+  }
+  return nullptr;
+}
+
+}  // namespace velquor

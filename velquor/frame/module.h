@@ -1,0 +1,101 @@
+// Module lifecycle and the resource chain.
+//
+// The library is modelled as an extension module of its host: when it is attached, its
+// resources (string table and custom binary resources) join a process-wide resource chain,
+// which every string and resource lookup searches, newest link first. Attaching happens on
+// the first lookup if the host has not done it explicitly; detaching removes the module's
+// links again.
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "velquor/frame/resource_table.h"
+#include "velquor/frame/string_table.h"
+
+namespace velquor {
+
+// The resources of one module. The string table is parsed from the module's string-table
+// resource on first use.
+class ResourceModule {
+ public:
+  ResourceModule(std::string name, std::span<const EmbeddedResource> resources);
+
+  const std::string& Name() const { return name_; }
+  // The resource of that type and name, or null.
+  const EmbeddedResource* FindResource(std::string_view type, std::string_view name) const;
+  // The text of that identifier, or null when the module has none.
+  const std::string* FindString(std::uint32_t id) const;
+
+ private:
+  std::string name_;
+  std::span<const EmbeddedResource> resources_;
+  mutable std::once_flag stringsParsed_;
+  mutable StringTable strings_;
+};
+
+// The extension-module record: which resources a module contributes and whether it is
+// initialised.
+struct CExtensionModule {
+  const ResourceModule* resources = nullptr;
+  bool initialized = false;
+};
+
+// One link of the resource chain. Creating it joins its module's resources to the chain;
+// links are owned by the chain and freed when their module detaches.
+class CDynLinkLibrary {
+ public:
+  explicit CDynLinkLibrary(CExtensionModule& module) : module_(&module) {}
+  CDynLinkLibrary(const CDynLinkLibrary&) = delete;
+  CDynLinkLibrary& operator=(const CDynLinkLibrary&) = delete;
+
+  CExtensionModule& Module() const { return *module_; }
+
+ private:
+  CExtensionModule* module_;
+};
+
+// Initialises `module` with `resources` (fails, returning false, when `resources` is null).
+bool InitExtensionModule(CExtensionModule& module, const ResourceModule* resources);
+// Frees every chain link of `module` and marks it uninitialised.
+void TermExtensionModule(CExtensionModule& module);
+// Creates a chain link for an initialised module; null if the module is not initialised or
+// memory runs out. The chain owns the link.
+CDynLinkLibrary* AddResourceLink(CExtensionModule& module);
+// Number of links in the chain (all modules).
+std::size_t ResourceChainLength();
+
+// The library's own module record.
+CExtensionModule& VelquorModule();
+
+// Reason codes of the module entry point.
+enum class ModuleReason : std::uint32_t {
+  kProcessDetach = 0,
+  kProcessAttach = 1,
+  kThreadAttach = 2,
+  kThreadDetach = 3,
+};
+
+// Module entry point. Process attach initialises the library's record and creates its first
+// chain link (1 on success, 0 on failure); process detach terminates the record (1); any
+// other reason does nothing (1).
+int VelquorModuleEntry(ModuleReason reason);
+
+// Attaches the library once if no attach or detach has happened yet; lookups call it.
+void EnsureVelquorAttached();
+
+// Creates a further chain link for the library's record, so that another module of the host
+// can find the library's strings and resources; null if the library is not attached or
+// memory runs out. The chain owns the link; it lives until the library detaches.
+CDynLinkLibrary* InitVelquorModule();
+
+// Searches the chain, newest link first, for a string (copied into `out`; true if found) or
+// a custom resource (null if absent). Resource bytes belong to their module and stay valid as
+// long as it exists; the library's own live for the whole process.
+bool FindStringOnChain(std::uint32_t id, std::string& out);
+const EmbeddedResource* FindResourceOnChain(std::string_view type, std::string_view name);
+
+}  // namespace velquor

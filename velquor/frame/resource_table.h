@@ -1,0 +1,24 @@
+// A binary resource compiled into a module: its type, its name and its bytes.
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+namespace velquor {
+
+struct EmbeddedResource {
+  const char* type;
+  const char* name;
+  const unsigned char* data;  // aligned to 16 bytes
+  std::size_t size;
+};
+
+// The resources compiled into this library (generated at build time from velquor/resources).
+std::span<const EmbeddedResource> EmbeddedResourceTable();
+
+// Resource type and name under which a module keeps its string table: a UTF-8 text of
+// identifier/text lines (see string_table.h).
+inline constexpr const char* kStringTableType = "VQSTRINGS";
+inline constexpr const char* kStringTableName = "DEFAULT";
+
+}  // namespace velquor
