@@ -1,0 +1,206 @@
+#include "velquor/data/ks_data.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <sstream>
+
+#include "velquor/frame/archive.h"
+#include "velquor/frame/numeric.h"
+
+namespace velquor {
+namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+struct ConvertCase {
+  int kind;
+  int useDensity;
+  double reflectance;
+  double expected;
+};
+
+class ConvertReflPointTest : public ::testing::TestWithParam<ConvertCase> {};
+
+TEST_P(ConvertReflPointTest, MatchesHandValues) {
+  const ConvertCase& c = GetParam();
+  const double got = ConvertReflPoint(c.reflectance, CReflMode{c.kind, c.useDensity});
+  if (std::isnan(c.expected)) {
+    EXPECT_TRUE(std::isnan(got));
+  } else if (std::isinf(c.expected)) {
+    EXPECT_EQ(got, c.expected);
+  } else {
+    EXPECT_NEAR(got, c.expected, 1e-12 * std::max(1.0, std::abs(c.expected)))
+        << "kind " << c.kind << " density " << c.useDensity << " R " << c.reflectance;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    AllBranches, ConvertReflPointTest,
+    ::testing::Values(
+        // kind 0 leaves everything alone, even NaN and the missing marker.
+        ConvertCase{0, 0, 42.5, 42.5}, ConvertCase{0, 1, -3.0, -3.0},
+        // Kubelka-Munk K/S = (1 - r)^2 / 2r, r = R / 100.
+        ConvertCase{1, 0, 100.0, 0.0}, ConvertCase{1, 0, 50.0, 0.25},
+        ConvertCase{1, 0, 20.0, 0.64 / 0.4}, ConvertCase{1, 0, 0.01, 0.9999 * 0.9999 / 0.0002},
+        ConvertCase{1, 0, 0.009999999, 9999.0}, ConvertCase{1, 0, 0.005, 9999.0},
+        ConvertCase{1, 0, 0.0, 9999.0}, ConvertCase{1, 0, kNaN, 9999.0},
+        ConvertCase{1, 0, 1e-05, 9999.0},
+        // Optical density log10(100 / R); 4.3 below 0.01 %, 0 above 100 %.
+        ConvertCase{1, 1, 100.0, 0.0}, ConvertCase{1, 1, 10.0, 1.0}, ConvertCase{1, 1, 1.0, 2.0},
+        ConvertCase{1, 1, 0.01, 4.0}, ConvertCase{1, 1, 0.009999999, 4.3},
+        ConvertCase{1, 1, 0.0, 4.3}, ConvertCase{1, 1, kNaN, 4.3},
+        ConvertCase{1, 1, 100.000001, 0.0}, ConvertCase{1, 1, 150.0, 0.0},
+        ConvertCase{1, -7, 10.0, 1.0},  // any non-zero flag means density
+        // Logarithms of the value itself, unguarded.
+        ConvertCase{2, 0, 100.0, std::log(100.0)}, ConvertCase{2, 1, 0.005, std::log(0.005)},
+        ConvertCase{3, 0, 50.0, -std::log(50.0)}, ConvertCase{2, 0, -1.0, kNaN},
+        ConvertCase{3, 0, 0.0, std::numeric_limits<double>::infinity()},
+        // Unknown non-zero kinds behave as kind 1.
+        ConvertCase{4, 0, 50.0, 0.25}, ConvertCase{-1, 1, 10.0, 1.0}));
+
+TEST(DensityToReflectance, InvertsTheDensityBranch) {
+  EXPECT_DOUBLE_EQ(DensityToReflectance(0.0), 100.0);
+  EXPECT_DOUBLE_EQ(DensityToReflectance(1.0), 10.0);
+  EXPECT_DOUBLE_EQ(DensityToReflectance(-1.0), 1000.0);  // no limit on D
+  for (double r : {0.01, 0.5, 3.7, 42.0, 99.9, 100.0}) {
+    EXPECT_NEAR(DensityToReflectance(ConvertReflPoint(r, CReflMode{1, 1})), r, 1e-12 * r);
+  }
+}
+
+CKSData Ramp(double start) {
+  CKSData curve;
+  for (std::size_t i = 0; i < CKSData::kLength; ++i) curve[i] = start + static_cast<double>(i);
+  return curve;
+}
+
+TEST(SpectralArithmetic, MissingPointsPropagateThroughBinaryOperations) {
+  for (int op = 0; op < 4; ++op) {
+    CKSData a = Ramp(1.0);
+    CKSData b = Ramp(2.0);
+    a[0] = kMissing;
+    b[5] = 1.0000001e-05;  // noisy marker still counts
+    switch (op) {
+      case 0: a.Add(b); break;
+      case 1: a.Subtract(b); break;
+      case 2: a.Multiply(b); break;
+      case 3: a.Divide(b); break;
+    }
+    EXPECT_EQ(a[0], kMissing) << op;
+    EXPECT_EQ(a[5], kMissing) << op;  // set to exactly the marker
+    const double expected[] = {7.0 + 8.0, 7.0 - 8.0, 7.0 * 8.0, 7.0 / 8.0};
+    EXPECT_EQ(a[6], expected[op]) << op;
+  }
+  CKSData one;
+  one.Fill(1.0);
+  one.Add(CEmptySpectrum());
+  EXPECT_EQ(one[39], 1e-05);
+}
+
+TEST(SpectralArithmetic, ScalarOperationsLeaveMissingAlone) {
+  CKSData curve = Ramp(1.0);
+  curve[3] = kMissing;
+  curve.Scale(2.0);
+  EXPECT_EQ(curve[3], 1e-05);
+  EXPECT_EQ(curve[0], 2.0);
+  EXPECT_EQ(curve[39], 80.0);
+  curve.DivideBy(4.0);
+  EXPECT_EQ(curve[3], 1e-05);
+  EXPECT_EQ(curve[39], 20.0);
+  curve.DivideBy(0.0);
+  EXPECT_TRUE(std::isinf(curve[0]));
+  EXPECT_EQ(curve[3], 1e-05);
+}
+
+TEST(SpectralArithmetic, DivideByZeroPointGivesTheFloatingResult) {
+  CKSData a = Ramp(1.0);
+  CKSData b;
+  a.Divide(b);
+  EXPECT_TRUE(std::isinf(a[0]));
+}
+
+TEST(SpectralArithmetic, ClampTestsLowFirstThenHigh) {
+  CKSData curve = Ramp(-5.0);  // -5 .. 34
+  curve[1] = kNaN;
+  curve.Clamp(0.0, 20.0);
+  EXPECT_EQ(curve[0], 0.0);
+  EXPECT_TRUE(std::isnan(curve[1]));  // NaN compares false both ways
+  EXPECT_EQ(curve[10], 5.0);
+  EXPECT_EQ(curve[39], 20.0);
+  CKSData inverted = Ramp(0.0);
+  inverted.Clamp(10.0, 5.0);  // low wins for values below it
+  EXPECT_EQ(inverted[0], 10.0);
+  EXPECT_EQ(inverted[20], 5.0);
+}
+
+TEST(SpectralCurves, ConstructionFills) {
+  const CKSData zero;
+  const CEmptySpectrum empty;
+  ASSERT_EQ(zero.GetSize(), 40u);
+  ASSERT_EQ(empty.GetSize(), 40u);
+  for (std::size_t i = 0; i < 40; ++i) {
+    EXPECT_EQ(zero[i], 0.0);
+    EXPECT_EQ(empty[i], kMissing);
+  }
+}
+
+TEST(SpectralCurves, ConvertReflWalksEveryPoint) {
+  CKSData curve;
+  curve.Fill(50.0);
+  curve[39] = 10.0;
+  curve.ConvertRefl(CReflMode{1, 1});
+  EXPECT_NEAR(curve[0], std::log10(2.0), 1e-15);
+  EXPECT_NEAR(curve[39], 1.0, 1e-15);
+}
+
+std::string Store(CValueArray& array) {
+  std::ostringstream out;
+  CArchive archive(out);
+  array.Serialize(archive);
+  return out.str();
+}
+
+TEST(SpectralArchive, RoundTripAndLongerStoredCurves) {
+  CKSData curve = Ramp(0.5);
+  curve[7] = kMissing;
+  const std::string bytes = Store(curve);
+  ASSERT_EQ(bytes.size(), 2u + 40 * 8);
+  EXPECT_EQ(bytes.substr(0, 2), std::string("\x28\x00", 2));
+
+  CKSData loaded;
+  loaded.Fill(-1.0);
+  std::istringstream in(bytes);
+  CArchive archive(in);
+  loaded.Serialize(archive);
+  for (std::size_t i = 0; i < 40; ++i) EXPECT_EQ(loaded[i], curve[i]);
+
+  // 41 stored values load as 41, but operations still touch only the first 40.
+  CValueArray longer;
+  longer.SetSize(41);
+  for (std::size_t i = 0; i < 41; ++i) longer[i] = 10.0;
+  std::istringstream in41(Store(longer));
+  CArchive archive41(in41);
+  loaded.Serialize(archive41);
+  ASSERT_EQ(loaded.GetSize(), 41u);
+  loaded.Scale(2.0);
+  loaded.Fill(3.0);
+  EXPECT_EQ(loaded[39], 3.0);
+  EXPECT_EQ(loaded[40], 10.0);
+}
+
+TEST(SpectralArchive, ShortStoredCurveIsWalkedOnlyOverItsPoints) {
+  CValueArray three;
+  three.SetSize(3);
+  std::istringstream in(Store(three));
+  CArchive archive(in);
+  CKSData curve;
+  curve.Serialize(archive);
+  ASSERT_EQ(curve.GetSize(), 3u);
+  curve.Fill(1.0);
+  curve.Add(CKSData());
+  EXPECT_EQ(curve[2], 1.0);
+}
+
+}  // namespace
+}  // namespace velquor

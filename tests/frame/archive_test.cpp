@@ -1,0 +1,121 @@
+#include "velquor/frame/archive.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <sstream>
+#include <streambuf>
+#include <string>
+#include <vector>
+
+namespace velquor {
+namespace {
+
+std::string Bytes(std::initializer_list<int> bytes) {
+  std::string out;
+  for (int b : bytes) out.push_back(static_cast<char>(b));
+  return out;
+}
+
+std::string StoredCount(std::uint64_t count) {
+  std::ostringstream out;
+  CArchive archive(out);
+  archive.WriteCount(count);
+  return out.str();
+}
+
+TEST(ArchiveCount, CompactFormByteForByte) {
+  EXPECT_EQ(StoredCount(0), Bytes({0x00, 0x00}));
+  EXPECT_EQ(StoredCount(40), Bytes({0x28, 0x00}));
+  EXPECT_EQ(StoredCount(0xFFFE), Bytes({0xFE, 0xFF}));
+  // 0xFFFF itself no longer fits: escape, then the 32-bit count.
+  EXPECT_EQ(StoredCount(0xFFFF), Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00}));
+  EXPECT_EQ(StoredCount(70000), Bytes({0xFF, 0xFF, 0x70, 0x11, 0x01, 0x00}));
+  EXPECT_EQ(StoredCount(0xFFFFFFFF), Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}));
+}
+
+TEST(ArchiveCount, ReadsBackEveryForm) {
+  for (std::uint64_t count : {0ull, 1ull, 0xFFFEull, 0xFFFFull, 70000ull, 0xFFFFFFFFull}) {
+    std::istringstream in(StoredCount(count));
+    CArchive archive(in);
+    EXPECT_EQ(archive.ReadCount(), count);
+  }
+}
+
+TEST(ArchiveCount, RefusesCountsBeyondThirtyTwoBits) {
+  std::ostringstream out;
+  CArchive archive(out);
+  EXPECT_THROW(archive.WriteCount(0x100000000ull), ArchiveError);
+}
+
+TEST(ArchiveValues, RawLittleEndianImages) {
+  std::ostringstream out;
+  CArchive archive(out);
+  archive << 1.0 << std::int32_t{-2} << std::uint16_t{0x1234};
+  EXPECT_EQ(out.str(), Bytes({0, 0, 0, 0, 0, 0, 0xF0, 0x3F, 0xFE, 0xFF, 0xFF, 0xFF, 0x34, 0x12}));
+}
+
+ArchiveError::Cause LoadDoublesCause(const std::string& bytes) {
+  std::istringstream in(bytes);
+  CArchive archive(in);
+  std::vector<double> values;
+  try {
+    archive.ReadElements(values, archive.ReadCount());
+  } catch (const ArchiveError& error) {
+    return error.cause();
+  }
+  ADD_FAILURE() << "no error";
+  return ArchiveError::Cause::kWrongMode;
+}
+
+TEST(ArchiveHostile, TruncatedAndOversizedStreamsFailCleanly) {
+  // Count 3 but only two doubles follow.
+  std::string twoDoubles = Bytes({3, 0}) + std::string(16, '\0');
+  EXPECT_EQ(LoadDoublesCause(twoDoubles), ArchiveError::Cause::kBadCount);
+  // A count of four billion elements in a ten-byte stream is refused before allocating.
+  EXPECT_EQ(LoadDoublesCause(Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 1, 2, 3, 4})),
+            ArchiveError::Cause::kBadCount);
+  // The stream ends inside the count itself.
+  EXPECT_EQ(LoadDoublesCause(Bytes({0xFF})), ArchiveError::Cause::kEndOfFile);
+  EXPECT_EQ(LoadDoublesCause(Bytes({0xFF, 0xFF, 0x01})), ArchiveError::Cause::kEndOfFile);
+}
+
+// A stream that cannot seek, so the archive cannot know how much is left.
+class UnseekableBuffer : public std::streambuf {
+ public:
+  explicit UnseekableBuffer(std::string data) : data_(std::move(data)) {
+    setg(data_.data(), data_.data(), data_.data() + data_.size());
+  }
+
+ private:
+  std::string data_;
+};
+
+TEST(ArchiveHostile, UnseekableStreamStopsAtItsEnd) {
+  UnseekableBuffer buffer(Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F}) + std::string(24, '\0'));
+  std::istream in(&buffer);
+  CArchive archive(in);
+  EXPECT_FALSE(archive.RemainingBytes().has_value());
+  std::vector<double> values{1.0};
+  try {
+    archive.ReadElements(values, archive.ReadCount());
+    FAIL() << "no error";
+  } catch (const ArchiveError& error) {
+    EXPECT_EQ(error.cause(), ArchiveError::Cause::kEndOfFile);
+  }
+  EXPECT_EQ(values, std::vector<double>{1.0});  // untouched on failure
+}
+
+TEST(ArchiveMode, LoadingAndStoringAreSeparate) {
+  std::ostringstream out;
+  CArchive storing(out);
+  EXPECT_TRUE(storing.IsStoring());
+  EXPECT_THROW(storing.ReadCount(), ArchiveError);
+  std::istringstream in(Bytes({1, 0}));
+  CArchive loading(in);
+  EXPECT_TRUE(loading.IsLoading());
+  EXPECT_THROW(loading.WriteCount(1), ArchiveError);
+}
+
+}  // namespace
+}  // namespace velquor

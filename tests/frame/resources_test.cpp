@@ -1,0 +1,162 @@
+#include "velquor/frame/resources.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+#include "velquor/frame/module.h"
+#include "velquor/frame/string_table.h"
+
+namespace velquor {
+namespace {
+
+TEST(StringTableText, ParsesEscapesCommentsAndLineEnds) {
+  const std::string text =
+      "\xEF\xBB\xBF# comment\n"
+      "384\tA|Tungsten\r\n"
+      "\n"
+      "496\t2\xC2\xB0\n"
+      "498\t - 2\xC2\xB0\n"
+      "500\ttab\\there\\nand a backslash \\\\\n"
+      "65535\t\n"
+      "7\tlast line without line feed";
+  StringTable table;
+  std::string error;
+  ASSERT_TRUE(ParseStringTable(text, table, error)) << error;
+  EXPECT_EQ(table.size(), 6u);
+  EXPECT_EQ(table.at(384), "A|Tungsten");
+  EXPECT_EQ(table.at(496), "2\xC2\xB0");
+  EXPECT_EQ(table.at(498), " - 2\xC2\xB0");  // leading blank kept
+  EXPECT_EQ(table.at(500), "tab\there\nand a backslash \\");
+  EXPECT_EQ(table.at(65535), "");
+  EXPECT_EQ(table.at(7), "last line without line feed");
+}
+
+TEST(StringTableText, RejectsMalformedLinesNamingTheLine) {
+  struct Case {
+    const char* text;
+    const char* error;
+  };
+  const Case cases[] = {
+      {"1\tok\n2 no tab\n", "line 2: no tab"},
+      {"x1\tbad\n", "line 1: identifier"},
+      {"\tno identifier\n", "line 1: identifier"},
+      {"65536\ttoo big\n", "line 1: identifier"},
+      {"-1\tnegative\n", "line 1: identifier"},
+      {"1\ta\n# c\n1\tb\n", "line 3: identifier appears twice"},
+      {"1\tbad \\q escape\n", "line 1: bad escape"},
+      {"1\ttrailing backslash\\\n", "line 1: bad escape"},
+      {"1\t\xC3\x28\n", "line 1: not valid UTF-8"},
+      {"1\t\xED\xA0\x80 surrogate\n", "line 1: not valid UTF-8"},
+  };
+  for (const Case& c : cases) {
+    StringTable table{{9, "stale"}};
+    std::string error;
+    EXPECT_FALSE(ParseStringTable(c.text, table, error)) << c.text;
+    EXPECT_TRUE(table.empty()) << c.text;
+    EXPECT_EQ(error.rfind(c.error, 0), 0u) << "got: " << error;
+  }
+}
+
+class Translation : public ::testing::Test {
+ protected:
+  void TearDown() override { ClearTranslatedStrings(); }
+};
+
+TEST_F(Translation, ReplacesEntriesByIdentifierAndKeepsOnFailure) {
+  EXPECT_EQ(LoadStringResource(60001), "");
+  std::string out = "previous";
+  EXPECT_EQ(LoadStringResource(60001, out), 0);
+  EXPECT_EQ(out, "");
+
+  ASSERT_EQ(LoadTranslatedStringsFromText("60001\tFarbabstand\n60002\t\n"), 1);
+  EXPECT_EQ(LoadStringResource(60001), "Farbabstand");
+  EXPECT_EQ(LoadStringResource(60002, out), 1);  // translated to an empty text: found
+  EXPECT_EQ(out, "");
+
+  std::string error;
+  EXPECT_EQ(LoadTranslatedStringsFromText("60001\tneu\nbroken\n", &error), 0);
+  EXPECT_EQ(error, "line 2: no tab after the identifier");
+  EXPECT_EQ(LoadStringResource(60001), "Farbabstand");  // previous translation kept
+
+  ClearTranslatedStrings();
+  EXPECT_EQ(LoadStringResource(60001), "");
+}
+
+TEST_F(Translation, LoadsFromAFileAndNamesItInErrors) {
+  const std::string path = ::testing::TempDir() + "velquor_translation_test.txt";
+  {
+    std::ofstream file(path, std::ios::binary);
+    file << "60003\tNuance\r\n";
+  }
+  ASSERT_EQ(LoadTranslatedStrings(path), 1);
+  EXPECT_EQ(LoadStringResource(60003), "Nuance");
+  std::remove(path.c_str());
+
+  std::string error;
+  EXPECT_EQ(LoadTranslatedStrings(path, &error), 0);
+  EXPECT_EQ(error, path + ": cannot be opened");
+  EXPECT_EQ(LoadStringResource(60003), "Nuance");
+}
+
+// A second module with its own resources, linked into the chain like a host extension.
+alignas(16) constexpr unsigned char kStrings[] = "60010\tfrom the test module\n";
+alignas(16) constexpr unsigned char kBlob[] = {1, 2, 3};
+constexpr EmbeddedResource kTestResources[] = {
+    {kStringTableType, kStringTableName, kStrings, sizeof kStrings - 1},
+    {"PWD", "TEST01", kBlob, sizeof kBlob},
+};
+
+TEST(ResourceChain, FindsResourcesOfEveryLinkedModuleUntilItDetaches) {
+  const ResourceModule resources("test", kTestResources);
+  CExtensionModule module;
+  EXPECT_EQ(AddResourceLink(module), nullptr);  // not initialised yet
+  ASSERT_TRUE(InitExtensionModule(module, &resources));
+  EXPECT_FALSE(FindCustomResource("PWD", "TEST01").has_value());
+  const std::size_t before = ResourceChainLength();
+  ASSERT_NE(AddResourceLink(module), nullptr);
+  EXPECT_EQ(ResourceChainLength(), before + 1);
+
+  const auto blob = FindCustomResource("PWD", "TEST01");
+  ASSERT_TRUE(blob.has_value());
+  ASSERT_EQ(blob->size(), 3u);
+  EXPECT_EQ((*blob)[2], 3);
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(blob->data()) % 16, 0u);
+  EXPECT_FALSE(FindCustomResource("PWD", "TEST02").has_value());
+  EXPECT_FALSE(FindCustomResource("XYZ", "TEST01").has_value());
+  EXPECT_EQ(LoadStringResource(60010), "from the test module");
+
+  TermExtensionModule(module);
+  EXPECT_EQ(ResourceChainLength(), before);
+  EXPECT_FALSE(FindCustomResource("PWD", "TEST01").has_value());
+  EXPECT_EQ(LoadStringResource(60010), "");
+}
+
+TEST(ModuleLifecycle, AttachDetachAndFurtherLinks) {
+  EnsureVelquorAttached();
+  ASSERT_TRUE(VelquorModule().initialized);
+  const std::size_t attached = ResourceChainLength();
+  ASSERT_GE(attached, 1u);
+  EXPECT_EQ(VelquorModuleEntry(ModuleReason::kThreadAttach), 1);
+  EXPECT_EQ(ResourceChainLength(), attached);
+
+  CDynLinkLibrary* link = InitVelquorModule();
+  ASSERT_NE(link, nullptr);
+  EXPECT_EQ(&link->Module(), &VelquorModule());
+  EXPECT_EQ(ResourceChainLength(), attached + 1);
+  EXPECT_TRUE(FindCustomResource(kStringTableType, kStringTableName).has_value());
+
+  EXPECT_EQ(VelquorModuleEntry(ModuleReason::kProcessDetach), 1);
+  EXPECT_FALSE(VelquorModule().initialized);
+  EXPECT_EQ(ResourceChainLength(), attached - 1);  // both of the library's links are gone
+  EXPECT_EQ(InitVelquorModule(), nullptr);
+  EXPECT_FALSE(FindCustomResource(kStringTableType, kStringTableName).has_value());
+
+  EXPECT_EQ(VelquorModuleEntry(ModuleReason::kProcessAttach), 1);
+  EXPECT_TRUE(FindCustomResource(kStringTableType, kStringTableName).has_value());
+}
+
+}  // namespace
+}  // namespace velquor
