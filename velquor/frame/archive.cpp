@@ -39,7 +39,9 @@ void CArchive::Write(const void* data, std::size_t size) {
 
 void CArchive::Read(void* data, std::size_t size) {
   if (in_ == nullptr) throw ArchiveError(ArchiveError::Cause::kWrongMode, "archive is storing");
-  RequireAvailable(size);
+  if (remaining_ && size > *remaining_) {
+    throw ArchiveError(ArchiveError::Cause::kEndOfFile, "archive ended early");
+  }
   in_->read(static_cast<char*>(data), static_cast<std::streamsize>(size));
   if (static_cast<std::size_t>(in_->gcount()) != size) {
     throw ArchiveError(ArchiveError::Cause::kEndOfFile, "archive ended early");
