@@ -5,7 +5,9 @@
 #include <cstdio>
 #include <fstream>
 #include <string>
+#include <vector>
 
+#include "velquor/frame/message.h"
 #include "velquor/frame/module.h"
 #include "velquor/frame/string_table.h"
 
@@ -102,11 +104,13 @@ TEST_F(Translation, LoadsFromAFileAndNamesItInErrors) {
 }
 
 // A second module with its own resources, linked into the chain like a host extension.
-alignas(16) constexpr unsigned char kStrings[] = "60010\tfrom the test module\n";
+alignas(16) constexpr unsigned char kStrings[] = "60010\tfrom the test module\n60012\tfirst\n";
+alignas(16) constexpr unsigned char kMoreStrings[] = "60011\tsecond part\n60012\tagain\n";
 alignas(16) constexpr unsigned char kBlob[] = {1, 2, 3};
 constexpr EmbeddedResource kTestResources[] = {
-    {kStringTableType, kStringTableName, kStrings, sizeof kStrings - 1},
+    {kStringTableType, "one", kStrings, sizeof kStrings - 1},
     {"PWD", "TEST01", kBlob, sizeof kBlob},
+    {kStringTableType, "two", kMoreStrings, sizeof kMoreStrings - 1},
 };
 
 TEST(ResourceChain, FindsResourcesOfEveryLinkedModuleUntilItDetaches) {
@@ -126,7 +130,14 @@ TEST(ResourceChain, FindsResourcesOfEveryLinkedModuleUntilItDetaches) {
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(blob->data()) % 16, 0u);
   EXPECT_FALSE(FindCustomResource("PWD", "TEST02").has_value());
   EXPECT_FALSE(FindCustomResource("XYZ", "TEST01").has_value());
+  std::vector<std::string> messages;
+  MessageSink previous = SetMessageSink(
+      [&](MessageKind, std::string_view text) { messages.emplace_back(text); });
   EXPECT_EQ(LoadStringResource(60010), "from the test module");
+  EXPECT_EQ(LoadStringResource(60011), "second part");  // parts form one table
+  EXPECT_EQ(LoadStringResource(60012), "first");        // a duplicate is reported, not taken
+  SetMessageSink(std::move(previous));
+  EXPECT_EQ(messages, std::vector<std::string>{"string table test/two: identifier 60012 is defined twice"});
 
   TermExtensionModule(module);
   EXPECT_EQ(ResourceChainLength(), before);
@@ -146,16 +157,16 @@ TEST(ModuleLifecycle, AttachDetachAndFurtherLinks) {
   ASSERT_NE(link, nullptr);
   EXPECT_EQ(&link->Module(), &VelquorModule());
   EXPECT_EQ(ResourceChainLength(), attached + 1);
-  EXPECT_TRUE(FindCustomResource(kStringTableType, kStringTableName).has_value());
+  EXPECT_TRUE(FindCustomResource("PWD", "ILL02_10").has_value());
 
   EXPECT_EQ(VelquorModuleEntry(ModuleReason::kProcessDetach), 1);
   EXPECT_FALSE(VelquorModule().initialized);
   EXPECT_EQ(ResourceChainLength(), attached - 1);  // both of the library's links are gone
   EXPECT_EQ(InitVelquorModule(), nullptr);
-  EXPECT_FALSE(FindCustomResource(kStringTableType, kStringTableName).has_value());
+  EXPECT_FALSE(FindCustomResource("PWD", "ILL02_10").has_value());
 
   EXPECT_EQ(VelquorModuleEntry(ModuleReason::kProcessAttach), 1);
-  EXPECT_TRUE(FindCustomResource(kStringTableType, kStringTableName).has_value());
+  EXPECT_TRUE(FindCustomResource("PWD", "ILL02_10").has_value());
 }
 
 }  // namespace

@@ -41,12 +41,25 @@ const EmbeddedResource* ResourceModule::FindResource(std::string_view type,
 
 const std::string* ResourceModule::FindString(std::uint32_t id) const {
   std::call_once(stringsParsed_, [this] {
-    const EmbeddedResource* table = FindResource(kStringTableType, kStringTableName);
-    if (table == nullptr) return;
-    std::string error;
-    const std::string_view text(reinterpret_cast<const char*>(table->data), table->size);
-    if (!ParseStringTable(text, strings_, error)) {
-      ShowMessage(MessageKind::kError, "string table of " + name_ + ": " + error);
+    // A module may split its string table over several resources of the string-table type;
+    // together they form one table, so an identifier may appear in only one of them.
+    for (const EmbeddedResource& resource : resources_) {
+      if (std::string_view(resource.type) != kStringTableType) continue;
+      StringTable part;
+      std::string error;
+      const std::string_view text(reinterpret_cast<const char*>(resource.data), resource.size);
+      if (!ParseStringTable(text, part, error)) {
+        ShowMessage(MessageKind::kError,
+                    "string table " + name_ + "/" + resource.name + ": " + error);
+        continue;
+      }
+      for (auto& [id, value] : part) {
+        if (!strings_.emplace(id, std::move(value)).second) {
+          ShowMessage(MessageKind::kError, "string table " + name_ + "/" + resource.name +
+                                               ": identifier " + std::to_string(id) +
+                                               " is defined twice");
+        }
+      }
     }
   });
   const auto found = strings_.find(id);

@@ -16,9 +16,9 @@ struct EmbeddedResource {
 // The resources compiled into this library (generated at build time from velquor/resources).
 std::span<const EmbeddedResource> EmbeddedResourceTable();
 
-// Resource type and name under which a module keeps its string table: a UTF-8 text of
-// identifier/text lines (see string_table.h).
+// Resource type under which a module keeps its string table: one or more UTF-8 texts of
+// identifier/text lines (see string_table.h), each named after its topic. An identifier may
+// appear in only one of them.
 inline constexpr const char* kStringTableType = "VQSTRINGS";
-inline constexpr const char* kStringTableName = "DEFAULT";
 
 }  // namespace velquor
