@@ -1,0 +1,64 @@
+#include "velquor/colorimetry/tristimulus.h"
+
+#include "velquor/colorimetry/weight_table_cache.h"
+#include "velquor/frame/numeric.h"
+
+namespace velquor {
+
+namespace {
+
+// The one summation both entry points share. Kept out of line so that the single and the
+// batch form run the same machine code (no call-site-dependent contraction into fused
+// multiply-adds), which makes their results bit-identical.
+#if defined(__GNUC__)
+__attribute__((noinline))
+#endif
+void Integrate(const double* table, const double* reflectance, double* out) {
+  if (IsMissing(reflectance[0])) {
+    out[0] = out[1] = out[2] = kMissing;
+    return;
+  }
+  for (std::size_t c = 0; c < 3; ++c) {
+    const double* weights = table + c * kWeightTableBands;
+    double sum = 0.0;
+    for (std::size_t i = 0; i < kWeightTableBands; ++i) sum += weights[i] * reflectance[i];
+    out[c] = sum * kPercentToFactor;
+  }
+}
+
+}  // namespace
+
+void ComputeXYZ(const CKSData& spectrum, int illuminant, int observer, CValueVector3& xyz) {
+  if (xyz.GetSize() < CValueVector3::kLength) xyz.SetSize(CValueVector3::kLength);
+  double* out = xyz.GetData();
+  // A short curve, or a missing first point, gives the missing triple before any table is
+  // fetched.
+  if (spectrum.GetSize() < CKSData::kLength || IsMissing(spectrum[0])) {
+    out[0] = out[1] = out[2] = kMissing;
+    return;
+  }
+  const double* table = GetWeightTable(illuminant, observer);
+  if (table == nullptr) {
+    out[0] = out[1] = out[2] = kMissing;
+    return;
+  }
+  Integrate(table, spectrum.GetData(), out);
+}
+
+int ComputeXYZBatch(const double* spectra, std::size_t count, std::size_t spectrumStride,
+                    int illuminant, int observer, double* xyz, std::size_t xyzStride) {
+  if (spectrumStride < kWeightTableBands || xyzStride < 3) return 0;
+  if (count > 0 && (spectra == nullptr || xyz == nullptr)) return 0;
+  const double* table = GetWeightTable(illuminant, observer);
+  for (std::size_t n = 0; n < count; ++n) {
+    double* out = xyz + n * xyzStride;
+    if (table == nullptr) {
+      out[0] = out[1] = out[2] = kMissing;
+    } else {
+      Integrate(table, spectra + n * spectrumStride, out);
+    }
+  }
+  return table != nullptr ? 1 : 0;
+}
+
+}  // namespace velquor
