@@ -1,0 +1,13 @@
+// CIE 1931 chromaticity coordinates (CIE 15:2004, 7.3): x = X / (X + Y + Z), y = Y / (X + Y + Z).
+#pragma once
+
+#include "velquor/data/value_vectors.h"
+
+namespace velquor {
+
+// x and y of an XYZ sample (any common scale). A missing sample (fewer than three elements, or
+// all three missing) or a sum that is zero (IsZero) gives x = y = 1e-05, the missing value.
+// A sample with only some elements missing is used as it stands.
+void XYZToChromaticity(const CValueVector3& xyz, double& x, double& y);
+
+}  // namespace velquor
