@@ -1,0 +1,439 @@
+#include "velquor/settings/date_time_text.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <ctime>
+#include <string>
+#include <vector>
+
+#include "velquor/frame/message.h"
+#include "velquor/settings/clock.h"
+#include "velquor/settings/locale_format.h"
+
+namespace velquor {
+namespace {
+
+// Reference instants, from the civil calendar by hand:
+//  kBillion  = 1000000000 s = 2001-09-09 01:46:40 UTC, a Sunday;
+//  kFriday13 = 1234567890 s = 2009-02-13 23:31:30 UTC, a Friday;
+//  k1990     = 7305 days (20 years, 5 leap days) * 86400 = 1990-01-01 00:00:00 UTC, a Monday;
+//  k2038     = 24837 days (68 years, 17 leap days) * 86400 = 2038-01-01 00:00:00 UTC, a Friday.
+constexpr TimeValue kBillion = 1000000000;
+constexpr TimeValue kFriday13 = 1234567890;
+constexpr TimeValue k1990 = 631152000;
+constexpr TimeValue k2038 = 2145916800;
+constexpr std::int64_t kCet = 3600;    // local = UTC + 1 h
+constexpr std::int64_t kEst = -18000;  // local = UTC - 5 h
+
+// A clock with a fixed time, a settable tick counter and a fixed zone offset without
+// daylight saving.
+class FakeClock final : public Clock {
+ public:
+  TimeValue now = kFriday13;
+  std::uint32_t tick = 0;
+  std::int64_t offset = 0;
+  TimeValue Now() const override { return now; }
+  std::uint32_t TickCount() const override { return tick; }
+  bool ToLocal(TimeValue time, CalendarTime& local) const override {
+    local = CalendarFromSeconds(time + offset);
+    return true;
+  }
+  TimeValue FromLocal(const CalendarTime& local) const override {
+    return SecondsFromCalendar(local) - offset;
+  }
+};
+
+LocaleDescription UsStyle() {
+  LocaleDescription us = CLocaleDescription();
+  us.shortDate = "M/d/yyyy";
+  us.longDate = "dddd, MMMM d, yyyy";
+  us.timeOfDay = "h:mm:ss tt";
+  us.era = "A.D.";
+  return us;
+}
+
+LocaleDescription GermanStyle() {
+  LocaleDescription de;
+  de.shortDate = "dd.MM.yyyy";
+  de.longDate = "dddd, d. MMMM yyyy";
+  de.timeOfDay = "HH:mm:ss";
+  de.timeSeparator = ":";
+  de.monthNames = {"Januar", "Februar", "März",      "April",   "Mai",      "Juni",
+                   "Juli",   "August",  "September", "Oktober", "November", "Dezember"};
+  de.monthAbbreviations = {"Jan", "Feb", "Mär", "Apr", "Mai", "Jun",
+                           "Jul", "Aug", "Sep", "Okt", "Nov", "Dez"};
+  de.dayNames = {"Sonntag", "Montag", "Dienstag", "Mittwoch", "Donnerstag", "Freitag", "Samstag"};
+  de.dayAbbreviations = {"So", "Mo", "Di", "Mi", "Do", "Fr", "Sa"};
+  return de;  // no AM/PM designators, no era
+}
+
+LocaleDescription WithSeparator(LocaleDescription base, const char* time, const char* sep) {
+  base.timeOfDay = time;
+  base.timeSeparator = sep;
+  return base;
+}
+
+const DescribedLocale kUs(UsStyle());
+const DescribedLocale kGerman(GermanStyle());
+const DescribedLocale kDotted(WithSeparator(GermanStyle(), "H.mm.ss", "."));
+const DescribedLocale kNoSeparator(WithSeparator(GermanStyle(), "HHmmss", ""));
+
+class DateTimeText : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    previousClock_ = SetClock(&clock_);
+    previousLocale_ = SetLocaleFormat(&kUs);
+    previousSink_ = SetMessageSink([this](MessageKind kind, std::string_view text) {
+      messages_.emplace_back(text);
+      kinds_.push_back(kind);
+    });
+  }
+  void TearDown() override {
+    SetClock(previousClock_);
+    SetLocaleFormat(previousLocale_);
+    SetMessageSink(previousSink_);
+  }
+  FakeClock clock_;
+  std::vector<std::string> messages_;
+  std::vector<MessageKind> kinds_;
+
+ private:
+  const Clock* previousClock_ = nullptr;
+  const LocaleFormat* previousLocale_ = nullptr;
+  MessageSink previousSink_;
+};
+
+TEST(CalendarArithmetic, KnownDatesBothWays) {
+  struct Case {
+    std::int64_t seconds;
+    CalendarTime expected;
+  };
+  const Case cases[] = {
+      {0, {1970, 1, 4, 1, 0, 0, 0}},          {-1, {1969, 12, 3, 31, 23, 59, 59}},
+      {kBillion, {2001, 9, 0, 9, 1, 46, 40}}, {kFriday13, {2009, 2, 5, 13, 23, 31, 30}},
+      {951782400, {2000, 2, 2, 29, 0, 0, 0}},  // 11016 days: leap day of a century year
+      {4107542400, {2100, 3, 1, 1, 0, 0, 0}},  // 47541 days: 2100 has no 29 February
+      {k2038, {2038, 1, 5, 1, 0, 0, 0}},
+  };
+  for (const Case& c : cases) {
+    const CalendarTime t = CalendarFromSeconds(c.seconds);
+    EXPECT_EQ(t.year, c.expected.year) << c.seconds;
+    EXPECT_EQ(t.month, c.expected.month) << c.seconds;
+    EXPECT_EQ(t.dayOfWeek, c.expected.dayOfWeek) << c.seconds;
+    EXPECT_EQ(t.day, c.expected.day) << c.seconds;
+    EXPECT_EQ(t.hour * 3600 + t.minute * 60 + t.second,
+              c.expected.hour * 3600 + c.expected.minute * 60 + c.expected.second)
+        << c.seconds;
+    EXPECT_EQ(SecondsFromCalendar(c.expected), c.seconds);
+  }
+}
+
+TEST_F(DateTimeText, FormatsInTheInjectedLocaleAndZone) {
+  struct Case {
+    const LocaleFormat* locale;
+    std::int64_t offset;
+    TimeValue time;
+    const char* shortDate;
+    const char* longDate;
+    const char* timeOfDay;
+  };
+  const Case cases[] = {
+      {&kUs, 0, kBillion, "9/9/2001", "Sunday, September 9, 2001", "1:46:40 AM"},
+      {&kUs, kEst, kBillion, "9/8/2001", "Saturday, September 8, 2001", "8:46:40 PM"},
+      {&kUs, 0, kFriday13, "2/13/2009", "Friday, February 13, 2009", "11:31:30 PM"},
+      {&kUs, kCet, kFriday13, "2/14/2009", "Saturday, February 14, 2009", "12:31:30 AM"},
+      {&kUs, 0, k1990 + 43199, "1/1/1990", "Monday, January 1, 1990", "11:59:59 AM"},
+      {&kUs, 0, k1990 + 43200, "1/1/1990", "Monday, January 1, 1990", "12:00:00 PM"},
+      {&kUs, 0, kMaxTimeValue, "1/19/2038", "Tuesday, January 19, 2038", "3:14:07 AM"},
+      {&kGerman, kCet, kBillion, "09.09.2001", "Sonntag, 9. September 2001", "02:46:40"},
+      {&kGerman, kCet, kFriday13, "14.02.2009", "Samstag, 14. Februar 2009", "00:31:30"},
+      {&kGerman, 0, k1990 + 43200, "01.01.1990", "Montag, 1. Januar 1990", "12:00:00"},
+      {&kGerman, 0, k1990 + 59 * 86400, "01.03.1990", "Donnerstag, 1. März 1990", "00:00:00"},
+  };
+  for (const Case& c : cases) {
+    SetLocaleFormat(c.locale);
+    clock_.offset = c.offset;
+    std::string text = "old";
+    EXPECT_EQ(FormatShortDate(text, c.time), 1);
+    EXPECT_EQ(text, c.shortDate);
+    EXPECT_EQ(FormatLongDate(text, c.time), 1);
+    EXPECT_EQ(text, c.longDate);
+    EXPECT_EQ(FormatTimeOfDay(text, c.time), 1);
+    EXPECT_EQ(text, c.timeOfDay);
+    text = "Batch: ";
+    EXPECT_EQ(FormatDateTime(text, c.time), 1);
+    EXPECT_EQ(text, std::string("Batch: ") + c.shortDate + " -- " + c.timeOfDay);
+  }
+}
+
+TEST_F(DateTimeText, NoTimeMeansNowAndTimesOutsideThe32BitRangeFail) {
+  clock_.now = kBillion;
+  std::string text;
+  EXPECT_EQ(FormatShortDate(text), 1);
+  EXPECT_EQ(text, "9/9/2001");
+  for (const TimeValue bad : {TimeValue{-1}, kMaxTimeValue + 1}) {
+    text = "old";
+    EXPECT_EQ(FormatShortDate(text, bad), 0);
+    EXPECT_EQ(text, "");
+    EXPECT_EQ(FormatLongDate(text, bad), 0);
+    EXPECT_EQ(FormatTimeOfDay(text, bad), 0);
+    text = "kept";
+    EXPECT_EQ(FormatDateTime(text, bad), 0);
+    EXPECT_EQ(text, "kept");
+  }
+  EXPECT_EQ(FormatShortDate(text, 0), 1);
+  EXPECT_EQ(text, "1/1/1970");
+}
+
+TEST_F(DateTimeText, SafeCurrentTimeChecksTheUtcYearFromBothSides) {
+  struct Case {
+    TimeValue now;
+    std::int64_t offset;
+    bool inRange;
+  };
+  const Case cases[] = {
+      {0, 0, true},             // 1970-01-01 00:00:00
+      {-1, 0, false},           // 1969-12-31 23:59:59
+      {0, -3600, true},         // local 1969, UTC 1970: the UTC year counts
+      {k2038 - 1, 0, true},     // 2037-12-31 23:59:59
+      {k2038, 0, false},        // 2038-01-01 00:00:00
+      {k2038 - 1, kCet, true},  // local 2038, UTC 2037
+      {k2038, kCet, false},
+      {kMaxTimeValue, 0, false},  // 2038-01-19: a valid time value, yet past 2037
+  };
+  const std::string message =
+      "Your system clock exceeds the valid range: Jan 1, 1970 -- Dec 31, 2037\nThe date is "
+      "assumed to be Jan 1, 1990.  The time is assumed to be 00:00.";
+  for (const Case& c : cases) {
+    clock_.now = c.now;
+    clock_.offset = c.offset;
+    messages_.clear();
+    kinds_.clear();
+    const TimeValue got = GetSafeCurrentTime();
+    if (c.inRange) {
+      EXPECT_EQ(got, c.now);
+      EXPECT_TRUE(messages_.empty()) << c.now;
+    } else {
+      EXPECT_EQ(got, k1990 - c.offset) << c.now;  // 1990-01-01 00:00 local time
+      ASSERT_EQ(messages_.size(), 1u) << c.now;
+      EXPECT_EQ(messages_[0], message);
+      EXPECT_EQ(kinds_[0], MessageKind::kWarning);
+    }
+  }
+  clock_.now = k2038;
+  GetSafeCurrentTime();
+  GetSafeCurrentTime();
+  EXPECT_EQ(messages_.size(), 3u);  // told again at every call
+}
+
+TEST_F(DateTimeText, TimeSeparatorFallsBackToColon) {
+  const std::pair<const LocaleFormat*, const char*> cases[] = {
+      {&kUs, ":"}, {&kDotted, "."}, {&kNoSeparator, ":"}};
+  for (const auto& [locale, expected] : cases) {
+    SetLocaleFormat(locale);
+    std::string text = "old";
+    GetTimeSeparator(text);
+    EXPECT_EQ(text, expected);
+  }
+}
+
+TEST_F(DateTimeText, ClockCountsUpAndDown) {
+  struct Case {
+    std::uint32_t limit;
+    std::uint32_t startTick;
+    std::uint32_t elapsedMs;
+    const LocaleFormat* locale;
+    const char* text;
+    int result;
+  };
+  const Case cases[] = {
+      {90, 5000, 0, &kUs, "1:30", 1},
+      {90, 5000, 999, &kUs, "1:30", 1},    // whole seconds only
+      {90, 5000, 90999, &kUs, "0:00", 1},  // s = 90 = limit: still running
+      {90, 5000, 91000, &kUs, "0:00", 0},  // s = 91 > limit: expired
+      {3600, 0, 0, &kUs, "1:00:00", 1},
+      {3601, 0, 2000, &kUs, "59:59", 1},
+      {4294967294u, 0, 0, &kUs, "1193046:28:14", 1},  // 1193046 h * 3600 + 1694 s
+      {0, 0, 0, &kUs, "0:00", 1},
+      {0, 0, 3599999, &kUs, "59:59", 1},
+      {0, 0, 3600000, &kUs, "1:00:00", 1},
+      {0, 0, 3725000, &kUs, "1:02:05", 1},
+      {0, 0, 3725000, &kDotted, "1.02.05", 1},
+      {0, 0, 3725000, &kNoSeparator, "1:02:05", 1},
+      {0, 4294967000u, 1000, &kUs, "0:01", 1},  // the tick counter wraps in between
+  };
+  for (const Case& c : cases) {
+    SetLocaleFormat(c.locale);
+    clock_.tick = c.startTick;
+    std::string text;
+    ClockText(&text, c.limit);
+    clock_.tick = c.startTick + c.elapsedMs;
+    EXPECT_EQ(ClockText(&text, kClockReadOnly), c.result) << c.limit << " " << c.elapsedMs;
+    EXPECT_EQ(text, c.text) << c.limit << " " << c.elapsedMs;
+    EXPECT_EQ(ClockText(nullptr, kClockReadOnly), c.result);
+  }
+}
+
+TEST_F(DateTimeText, ClockKeepsItsSeparatorAndStartUntilRestarted) {
+  std::string text;
+  clock_.tick = 1000;
+  EXPECT_EQ(ClockText(&text, 90), 1);
+  EXPECT_EQ(text, "1:30");
+  SetLocaleFormat(&kDotted);
+  clock_.tick = 31000;
+  EXPECT_EQ(ClockText(&text, kClockReadOnly), 1);
+  EXPECT_EQ(text, "1:00");  // separator and start are those of the restart
+  EXPECT_EQ(ClockText(&text, 0), 1);
+  EXPECT_EQ(text, "0.00");  // restarted: counts up with the new separator
+}
+
+TEST_F(DateTimeText, PatternFillsPicturesNumbersAndLiterals) {
+  struct Case {
+    const char* pattern;
+    std::uint32_t number;
+    int result;
+    const char* text;
+  };
+  const std::string dashes39(39, '-');
+  const std::string dashes40(40, '-');
+  const std::string lateLong = "nn" + dashes40;
+  const Case cases[] = {
+      {"yyyyMMdd'-'nnn", 7, 1, "20090213-007"},
+      {"nn", 123, 1, "123"},  // padding never truncates
+      {"nnnnnnnnnnnn", 4294967295u, 1, "004294967295"},
+      {"n", 0, 1, "0"},
+      {"", 7, 1, ""},
+      {"yyyy-MM-dd HH:mm:ss", 7, 1, "2009-02-13 23:31:30"},
+      {"hh:mm tt", 7, 1, "11:31 PM"},
+      {"h t", 7, 1, "11 P"},
+      {"dddd, MMMM d", 7, 1, "Friday, February 13"},
+      {"ddd MMM yy y gg", 7, 1, "Fri Feb 09 9 A.D."},
+      {"'Batch 'nnnn", 42, 1, "Batch 0042"},
+      {"'hms: 'HHmmss", 7, 1, "hms: 233130"},
+      {"Mon", 7, 1, "2o7"},  // unquoted letters are pictures, "n" the number
+      {"''''", 7, 1, "'"},
+      {"''", 7, 1, ""},
+      {"'''x'", 7, 1, "x"},     // "''" then the literal 'x'
+      {"'''''x'", 7, 1, "'x"},  // "''''" then the literal 'x'
+      {dashes39.c_str(), 7, 1, dashes39.c_str()},
+      {dashes40.c_str(), 7, 0, ""},    // a 40-character picture text overflows
+      {lateLong.c_str(), 7, 0, "07"},  // the text built so far stays
+      {"yyyy'abc", 7, 0, "2009"},      // literal without its closing quote
+  };
+  for (const Case& c : cases) {
+    std::string text = "old";
+    EXPECT_EQ(FormatPattern(text, c.pattern, c.number, kFriday13), c.result) << c.pattern;
+    EXPECT_EQ(text, c.text) << c.pattern;
+  }
+}
+
+TEST_F(DateTimeText, PatternInAGermanStyleLocale) {
+  SetLocaleFormat(&kGerman);  // no era, no AM/PM designators
+  std::string text;
+  EXPECT_EQ(FormatPattern(text, "nngg", 7, kFriday13), 0);
+  EXPECT_EQ(text, "07");
+  EXPECT_EQ(FormatPattern(text, "'x'tt", 7, kFriday13), 0);
+  EXPECT_EQ(text, "x");
+  EXPECT_EQ(FormatPattern(text, "HH tt", 7, kFriday13), 1);  // blank after the hour is text
+  EXPECT_EQ(text, "23 ");
+  EXPECT_EQ(FormatPattern(text, "dd. MMMM", 7, kFriday13 + 14 * 86400), 1);
+  EXPECT_EQ(text, "27. Februar");
+  EXPECT_EQ(FormatPattern(text, "y yy yyy", 7, k1990), 1);
+  EXPECT_EQ(text, "0 90 1990");
+  EXPECT_EQ(FormatPattern(text, "yyyy", 7, -1), 0);
+}
+
+TEST(LocalePictures, RejectOutOfRangeFieldsAndShortenDesignatorsByCharacter) {
+  LocaleDescription ja = CLocaleDescription();
+  ja.amDesignator = "午前";
+  std::string out;
+  EXPECT_TRUE(FormatTimePicture(ja, CalendarFromSeconds(kBillion), "t h", out));
+  EXPECT_EQ(out, "午 1");
+  const CalendarTime good = CalendarFromSeconds(kBillion);
+  for (int field = 0; field < 6; ++field) {
+    CalendarTime bad = good;
+    int* slots[] = {&bad.year, &bad.month, &bad.day, &bad.dayOfWeek, &bad.hour, &bad.minute};
+    const int badValue[] = {1600, 13, 0, 7, 24, -1};
+    *slots[field] = badValue[field];
+    out = "old";
+    EXPECT_FALSE(FormatDatePicture(ja, bad, "d", out)) << field;
+    EXPECT_EQ(out, "");
+    EXPECT_FALSE(FormatTimePicture(ja, bad, "H", out)) << field;
+  }
+}
+
+TEST(LocalePictures, StrftimeFormatsBecomePictures) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"%m/%d/%y", "MM/dd/yy"},
+      {"%d.%m.%Y", "dd.MM.yyyy"},
+      {"%-d.%-m.%Y", "d.M.yyyy"},
+      {"%e %B %Y", "d MMMM yyyy"},
+      {"%a %b %Ey", "ddd MMM yy"},
+      {"%D|%F", "MM/dd/yy|yyyy-MM-dd"},
+      {"%r", "hh:mm:ss tt"},
+      {"%T %R", "HH:mm:ss HH:mm"},
+      {"%OH:%M:%S %Z", "HH:mm:ss "},
+      {"%Hh%M", "HH'h'mm"},
+      {"it's %d", "'it''s 'dd"},
+      {"%%%d", "%dd"},
+      {"%Y年%m月%d日", "yyyy年MM月dd日"},
+      {"%k.%M %P", "H.mm tt"},
+  };
+  for (const auto& [format, picture] : cases) {
+    EXPECT_EQ(PictureFromStrftime(format), picture) << format;
+  }
+  EXPECT_EQ(PictureFromStrftime("%r", "%l:%M %p"), "h:mm tt");
+
+  const std::pair<const char*, const char*> longDates[] = {
+      {"MM/dd/yy", "dddd, MMMM d, yyyy"},  {"dd.MM.yyyy", "dddd, d MMMM yyyy"},
+      {"yyyy-MM-dd", "dddd, yyyy MMMM d"}, {"ddd MM/dd", "dddd, MMMM d, yyyy"},
+      {"'d'yy.MM", "dddd, yyyy MMMM d"},   {"yyyy", "dddd, MMMM d, yyyy"},
+  };
+  for (const auto& [shortDate, longDate] : longDates) {
+    EXPECT_EQ(LongDateFromShortDate(shortDate), longDate) << shortDate;
+  }
+
+  const std::pair<const char*, const char*> separators[] = {
+      {"HH:mm:ss", ":"}, {"H.mm.ss", "."}, {"HH'h'mm", "h"},
+      {"tt hh mm", " "}, {"HH", ""},       {"mm:ss", ""},
+  };
+  for (const auto& [picture, separator] : separators) {
+    EXPECT_EQ(TimeSeparatorOfPicture(picture), separator) << picture;
+  }
+}
+
+TEST(LocalePictures, PosixCLocaleMatchesItsBuiltInDescription) {
+  const std::optional<LocaleDescription> c = DescribePosixLocale("C");
+  ASSERT_TRUE(c.has_value());
+  const LocaleDescription expected = CLocaleDescription();
+  EXPECT_EQ(c->shortDate, expected.shortDate);
+  EXPECT_EQ(c->longDate, expected.longDate);
+  EXPECT_EQ(c->timeOfDay, expected.timeOfDay);
+  EXPECT_EQ(c->timeSeparator, expected.timeSeparator);
+  EXPECT_EQ(c->monthNames, expected.monthNames);
+  EXPECT_EQ(c->monthAbbreviations, expected.monthAbbreviations);
+  EXPECT_EQ(c->dayNames, expected.dayNames);
+  EXPECT_EQ(c->dayAbbreviations, expected.dayAbbreviations);
+  EXPECT_EQ(c->amDesignator, expected.amDesignator);
+  EXPECT_EQ(c->pmDesignator, expected.pmDesignator);
+  EXPECT_FALSE(DescribePosixLocale("xx_YY.no-such-codeset").has_value());
+}
+
+TEST(SystemClockSeam, AgreesWithTheCLibrary) {
+  const TimeValue before = static_cast<TimeValue>(std::time(nullptr));
+  const TimeValue now = SystemClock().Now();
+  EXPECT_LE(before, now);
+  EXPECT_LE(now - before, 2);
+  for (const TimeValue t : {TimeValue{0}, k1990, kBillion, kFriday13}) {
+    CalendarTime local;
+    ASSERT_TRUE(SystemClock().ToLocal(t, local));
+    EXPECT_EQ(SystemClock().FromLocal(local), t);
+  }
+  std::string text;
+  EXPECT_EQ(FormatTimeOfDay(text, kBillion), 1);  // the user's locale, whatever it is
+  EXPECT_FALSE(text.empty());
+}
+
+}  // namespace
+}  // namespace velquor
