@@ -1,0 +1,32 @@
+#include "velquor/colorimetry/lab_batch.h"
+
+#include "velquor/colorimetry/lab.h"
+#include "velquor/colorimetry/reference_white.h"
+
+namespace velquor {
+
+namespace {
+
+// `white` may be null here: XYZToLab then writes missing records.
+std::size_t ConvertAll(const double* white, const double* xyz, std::size_t xyzStride, double* lab,
+                       std::size_t labStride, std::size_t count) {
+  if (count == 0 || xyz == nullptr || lab == nullptr || xyzStride < 3 || labStride < 5) return 0;
+  for (std::size_t i = 0; i < count; ++i) XYZToLab(white, xyz + i * xyzStride, lab + i * labStride);
+  return count;
+}
+
+}  // namespace
+
+std::size_t XYZToLabBatch(const double white[3], const double* xyz, std::size_t xyzStride,
+                          double* lab, std::size_t labStride, std::size_t count) {
+  if (white == nullptr) return 0;
+  return ConvertAll(white, xyz, xyzStride, lab, labStride, count);
+}
+
+std::size_t XYZToLabBatch(int illuminant, int observer, const double* xyz, std::size_t xyzStride,
+                          double* lab, std::size_t labStride, std::size_t count) {
+  return ConvertAll(FindReferenceWhite(illuminant, observer), xyz, xyzStride, lab, labStride,
+                    count);
+}
+
+}  // namespace velquor
