@@ -1,0 +1,339 @@
+#include "velquor/settings/registry_store.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <limits>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "velquor/settings/file_settings_backend.h"
+#include "velquor/settings/settings_file.h"
+
+namespace velquor {
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path MakeTempFolder() {
+  std::string pattern = ::testing::TempDir() + "velquor_settings_XXXXXX";
+  if (::mkdtemp(pattern.data()) == nullptr) ADD_FAILURE() << "mkdtemp failed";
+  return pattern;
+}
+
+std::string ReadFile(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+void WriteFile(const fs::path& path, std::string_view bytes) {
+  std::ofstream(path, std::ios::binary).write(bytes.data(), std::ssize(bytes));
+}
+
+// A file store in a fresh temporary folder, installed for the test and removed after it. It
+// flushes to disk unless a test of many writes turns that off (a flush can cost tens of
+// milliseconds on a busy disk; locking and atomic replacement do not depend on it).
+class Store {
+ public:
+  explicit Store(bool flushToDisk = true, const char* below = "registry")
+      : folder_(MakeTempFolder()), root_(folder_ / below) {
+    previous_ = SetSettingsBackend(std::make_shared<FileSettingsBackend>(root_, flushToDisk));
+  }
+  ~Store() {
+    SetSettingsBackend(previous_);
+    fs::remove_all(folder_);
+  }
+  fs::path Section(const std::string& name = "Diagnostics") const {
+    return root_ / "software" / "Palomerix" / "Quelmark" / name;
+  }
+  fs::path Values() const { return Section() / ".values"; }
+
+  fs::path folder_, root_;
+  std::shared_ptr<SettingsBackend> previous_;
+};
+
+TEST(SettingsStore, FirstReadCreatesTheKeyPathAndGivesTheDefault) {
+  const Store store;
+  EXPECT_EQ(GetRegistryInt("Diagnostics", "General", -1), -1);
+  EXPECT_TRUE(fs::is_directory(store.Section()));
+  EXPECT_FALSE(fs::exists(store.Values()));  // reading stores nothing
+}
+
+TEST(SettingsStore, ValuesKeepTheirBytesAndAreReadWithoutTypeCheck) {
+  const Store store;
+  for (const std::int32_t value : {0, -1, std::numeric_limits<std::int32_t>::min()}) {
+    ASSERT_TRUE(SetRegistryInt("Diagnostics", "General", value));
+    EXPECT_EQ(GetRegistryInt("Diagnostics", "General", 7), value);
+  }
+  ASSERT_TRUE(SetRegistryString("Diagnostics", "PathInfo", "C:\\Log\\"));  // 7 characters
+  std::vector<unsigned char> buffer(8);
+  const ValueQuery query = OpenSettingsKey("Diagnostics")->QueryValue("PathInfo", buffer);
+  EXPECT_EQ(query.type, kValueTypeString);
+  EXPECT_EQ(query.size, 7u);  // no terminating zero
+
+  const struct {
+    std::string stored;
+    std::string asString;
+    std::int32_t asNumber;
+  } cases[] = {{"abcd", "abcd", 0x64636261},
+               {"abc", "abc", 0x00636261},
+               {"abcde", "abcde", -9},
+               {std::string("ab\0c", 4), "ab", 0x00006261},
+               {std::string(260, 'x'), std::string(260, 'x'), -9},
+               {std::string(261, 'x'), "<default>", -9}};
+  for (const auto& c : cases) {
+    ASSERT_TRUE(SetRegistryString("Diagnostics", "Value", c.stored));
+    EXPECT_EQ(GetRegistryString("Diagnostics", "Value", "<default>"), c.asString) << c.stored;
+    EXPECT_EQ(GetRegistryInt("Diagnostics", "Value", -9), c.asNumber) << c.stored;
+  }
+  ASSERT_TRUE(SetRegistryInt("Diagnostics", "Value", 0x00434241));
+  EXPECT_EQ(GetRegistryString("Diagnostics", "Value", "-"), "ABC");
+  EXPECT_EQ(ParseSettingsValues(ReadFile(store.Values())).values.size(), 3u);
+}
+
+TEST(SettingsStore, NamesIgnoreAsciiCaseAndKeyNamesAreEncoded) {
+  const Store store;
+  fs::create_directories(store.root_ / "SOFTWARE");
+  ASSERT_TRUE(SetRegistryInt("diagnostics", "general", 2));
+  EXPECT_EQ(GetRegistryInt("DIAGNOSTICS", "General", -1), 2);
+  EXPECT_TRUE(fs::is_directory(store.root_ / "SOFTWARE/Palomerix/Quelmark/diagnostics"));
+  EXPECT_FALSE(fs::exists(store.root_ / "software"));
+
+  const std::pair<const char*, const char*> folders[] = {
+      {"a/b", "a%2Fb"}, {".x", "%2Ex"}, {"..", "%2E."}, {"a.b", "a.b"}, {"5% x", "5%25%20x"}};
+  for (const auto& [section, folder] : folders) {
+    ASSERT_TRUE(SetRegistryInt(section, "V", 1)) << section;
+    EXPECT_TRUE(fs::exists(store.root_ / "SOFTWARE/Palomerix/Quelmark" / folder / ".values"));
+  }
+  for (const std::string& invalid : {std::string(), std::string("a\\b"), std::string(256, 'k')}) {
+    EXPECT_FALSE(SetRegistryInt(invalid, "V", 1));
+    EXPECT_EQ(GetRegistryInt(invalid, "V", -1), -1);
+  }
+}
+
+// Cuts the file at every offset and flips each of its bytes: every value reads as stored if
+// its line is intact and as the default otherwise, and the next write repairs the file.
+TEST(SettingsStore, DamagedFileReadsDefaultsWhereHitAndIsRepairedByTheNextWrite) {
+  const Store store(false);
+  const std::pair<const char*, std::int32_t> values[] = {{"General", 2}, {"Color Sensor", 1}};
+  for (const auto& [name, value] : values) ASSERT_TRUE(SetRegistryInt("Diagnostics", name, value));
+  ASSERT_TRUE(SetRegistryString("Diagnostics", "PathInfo", "/var/log/q/"));
+  const std::string intact = ReadFile(store.Values());
+  std::vector<std::size_t> lineEnds;  // one past each value line's line feed
+  for (std::size_t at = intact.find('\n') + 1; at < intact.size(); at = lineEnds.back()) {
+    lineEnds.push_back(intact.find('\n', at) + 1);
+  }
+  ASSERT_EQ(lineEnds.size(), 3u);
+  const auto check = [&](const std::string& damaged, auto isIntact, std::size_t at) {
+    WriteFile(store.Values(), damaged);
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < 3; ++i) {
+      const bool whole = isIntact(i);
+      kept += whole;
+      if (i < 2) {
+        EXPECT_EQ(GetRegistryInt("Diagnostics", values[i].first, -1), whole ? values[i].second : -1)
+            << "damage at " << at;
+      } else {
+        EXPECT_EQ(GetRegistryString("Diagnostics", "PathInfo", "."), whole ? "/var/log/q/" : ".")
+            << "damage at " << at;
+      }
+    }
+    ASSERT_TRUE(SetRegistryInt("Diagnostics", "Repair", 1));
+    const ParsedSettingsValues repaired = ParseSettingsValues(ReadFile(store.Values()));
+    EXPECT_EQ(repaired.damagedLines, 0u);
+    EXPECT_EQ(repaired.values.size(), kept + 1);
+  };
+  for (std::size_t at = 0; at <= intact.size(); ++at) {
+    check(
+        intact.substr(0, at), [&](std::size_t i) { return at >= lineEnds[i]; }, at);
+    if (at == intact.size()) break;
+    std::string flipped = intact;
+    flipped[at] ^= 1;
+    // A flipped line feed joins the next line to its own.
+    const auto untouched = [&](std::size_t i) {
+      const std::size_t start = i == 0 ? intact.find('\n') + 1 : lineEnds[i - 1];
+      return at + 1 < start || at >= lineEnds[i];
+    };
+    check(flipped, untouched, at);
+  }
+}
+
+TEST(SettingsStore, UnusableLocationReadsDefaultsAndRefusesWrites) {
+  const Store store(true, "file/registry");  // below a regular file
+  WriteFile(store.folder_ / "file", "not a folder");
+  EXPECT_EQ(OpenVendorKey(), nullptr);
+  EXPECT_EQ(GetRegistryString("Diagnostics", "PathInfo", "."), ".");
+  EXPECT_FALSE(SetRegistryInt("Diagnostics", "General", 0));
+  EXPECT_FALSE(SetRegistryString("Diagnostics", "PathInfo", "/tmp/"));
+}
+
+TEST(SettingsStore, ReadOnlySectionKeepsItsValuesAndRefusesWrites) {
+  if (::geteuid() == 0) GTEST_SKIP() << "permissions do not stop the superuser";
+  const Store store;
+  ASSERT_TRUE(SetRegistryInt("Diagnostics", "General", 2));
+  fs::permissions(store.Section(), fs::perms::owner_read | fs::perms::owner_exec);
+  EXPECT_FALSE(SetRegistryInt("Diagnostics", "General", 1));
+  EXPECT_EQ(GetRegistryInt("Diagnostics", "General", -1), 2);
+  fs::permissions(store.Section(), fs::perms::owner_all);
+}
+
+TEST(SettingsStore, EnvironmentChoosesTheRoot) {
+  const struct {
+    const char* settingsHome;
+    const char* configHome;
+    const char* root;
+  } cases[] = {{"/srv/s", "/cfg", "/srv/s"},
+               {"", "/cfg", "/cfg/velquor/registry"},
+               {nullptr, "relative", "/home/ann/.config/velquor/registry"},
+               {nullptr, nullptr, "/home/ann/.config/velquor/registry"}};
+  const auto set = [](const char* name, const char* value) {
+    value != nullptr ? ::setenv(name, value, 1) : ::unsetenv(name);
+  };
+  std::vector<std::pair<const char*, std::string>> saved;
+  for (const char* name : {"HOME", "XDG_CONFIG_HOME", kSettingsHomeVariable}) {
+    const char* value = std::getenv(name);
+    saved.emplace_back(name, value != nullptr ? value : "\x01");
+  }
+  ::setenv("HOME", "/home/ann", 1);
+  for (const auto& c : cases) {
+    set(kSettingsHomeVariable, c.settingsHome);
+    set("XDG_CONFIG_HOME", c.configHome);
+    EXPECT_EQ(DefaultSettingsRoot(), fs::path(c.root));
+  }
+  // The default store follows the variable at every opening.
+  const Store scratch;
+  const auto previous = SetSettingsBackend(nullptr);
+  set(kSettingsHomeVariable, scratch.folder_.c_str());
+  EXPECT_TRUE(SetRegistryInt("Diagnostics", "General", 1));
+  EXPECT_TRUE(fs::exists(scratch.folder_ / "software/Palomerix/Quelmark/Diagnostics/.values"));
+  SetSettingsBackend(previous);
+  for (const auto& [name, value] : saved) set(name, value == "\x01" ? nullptr : value.c_str());
+}
+
+// Registry in memory recording the calls, as a Windows registry backend would receive them.
+struct RecordingBackend : SettingsBackend {
+  std::vector<std::string> calls;
+  bool softwareExists = true;
+  int openKeys = 0;
+  std::size_t lastBuffer = 0;
+
+  struct Key : SettingsKey {
+    Key(RecordingBackend& owner, std::string_view name) : owner(owner), name(name) {
+      ++owner.openKeys;
+    }
+    ~Key() override { --owner.openKeys; }
+    std::unique_ptr<SettingsKey> Open(const char* what, std::string_view sub, std::uint32_t access,
+                                      bool exists) {
+      owner.calls.push_back(std::string(what) + " " + std::string(sub) + " " +
+                            std::to_string(access));
+      return exists ? std::make_unique<Key>(owner, sub) : nullptr;
+    }
+    std::unique_ptr<SettingsKey> OpenSubKey(std::string_view sub, std::uint32_t access) override {
+      return Open("open", sub, access, sub != "software" || owner.softwareExists);
+    }
+    std::unique_ptr<SettingsKey> CreateSubKey(std::string_view sub, std::uint32_t access) override {
+      return Open("create", sub, access, true);
+    }
+    ValueQuery QueryValue(std::string_view, std::span<unsigned char> buffer) override {
+      owner.lastBuffer = buffer.size();
+      return {};
+    }
+    bool SetValue(std::string_view, std::uint32_t, std::span<const unsigned char>) override {
+      return true;
+    }
+    RecordingBackend& owner;
+    std::string name;
+  };
+  std::unique_ptr<SettingsKey> OpenCurrentUser() override {
+    return std::make_unique<Key>(*this, "user");
+  }
+};
+
+TEST(SettingsStore, KeysAreOpenedAlongTheVendorPathAndClosedAfterEachAccess) {
+  const auto backend = std::make_shared<RecordingBackend>();
+  const auto previous = SetSettingsBackend(backend);
+  const std::unique_ptr<SettingsKey> key = OpenSettingsKey("Diagnostics");
+  EXPECT_EQ(backend->openKeys, 1);  // only the section's key stays open
+  EXPECT_EQ(backend->calls,
+            (std::vector<std::string>{"open software 131103", "create Palomerix 131103",
+                                      "create Quelmark 131103", "create Diagnostics 131103"}));
+  EXPECT_EQ(GetRegistryInt("Diagnostics", "General", -1), -1);
+  EXPECT_EQ(backend->lastBuffer, 4u);
+  EXPECT_EQ(GetRegistryString("Diagnostics", "PathInfo", "."), ".");
+  EXPECT_EQ(backend->lastBuffer, 260u);
+  EXPECT_EQ(backend->openKeys, 1);
+
+  backend->softwareExists = false;
+  backend->calls.clear();
+  EXPECT_EQ(OpenVendorKey(), nullptr);
+  EXPECT_EQ(backend->calls, std::vector<std::string>{"open software 131103"});  // none created
+  SetSettingsBackend(previous);
+}
+
+// Each writer stores its counter and, every tenth time, a value of its own, so that a write
+// lost to a race shows as a missing or stale value at the end.
+bool WriteMany(const std::string& writer, int count) {
+  bool ok = true;
+  for (int i = 1; i <= count; ++i) {
+    ok &= SetRegistryInt("Diagnostics", "Counter " + writer, i);
+    if (i % 10 == 0) ok &= SetRegistryInt("Diagnostics", writer + std::to_string(i), i);
+  }
+  return ok;
+}
+
+void ExpectEveryValue(const Store& store, const std::vector<std::string>& writers, int count) {
+  const ParsedSettingsValues parsed = ParseSettingsValues(ReadFile(store.Values()));
+  EXPECT_EQ(parsed.damagedLines, 0u);
+  EXPECT_EQ(parsed.values.size(), writers.size() * (1 + count / 10));
+  for (const std::string& writer : writers) {
+    EXPECT_EQ(GetRegistryInt("Diagnostics", "Counter " + writer, -1), count);
+    for (int i = 10; i <= count; i += 10) {
+      EXPECT_EQ(GetRegistryInt("Diagnostics", writer + std::to_string(i), -1), i);
+    }
+  }
+}
+
+TEST(SettingsStore, TwoProcessesWritingOneSectionKeepEveryValue) {
+  const Store store(false);
+  const std::vector<std::string> writers = {"A", "B"};
+  const auto start = std::chrono::steady_clock::now();
+  std::vector<pid_t> children;
+  for (const std::string& writer : writers) {
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) ::_exit(WriteMany(writer, 1000) ? 0 : 1);
+    children.push_back(child);
+  }
+  for (const pid_t child : children) {
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "a write failed";
+  }
+  std::cout
+      << "[ MEASURED ] 2 processes x 1100 writes: "
+      << std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count()
+      << " ms\n";
+  ExpectEveryValue(store, writers, 1000);
+}
+
+TEST(SettingsStore, ThreadsWritingOneSectionKeepEveryValue) {
+  const Store store(false);
+  const std::vector<std::string> writers = {"T0", "T1", "T2", "T3"};
+  std::vector<std::thread> threads;
+  for (const std::string& writer : writers) {
+    threads.emplace_back([&writer] { EXPECT_TRUE(WriteMany(writer, 100)); });
+  }
+  for (std::thread& thread : threads) thread.join();
+  ExpectEveryValue(store, writers, 100);
+}
+
+}  // namespace
+}  // namespace velquor
