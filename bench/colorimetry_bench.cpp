@@ -1,0 +1,120 @@
+// Throughput of the colorimetric hot path: spectra -> XYZ and XYZ -> CIELAB, with LittleCMS's
+// cmsXYZ2Lab on the same data as the peer. Run: build/release/bench/velquor_bench_colorimetry
+#include <benchmark/benchmark.h>
+#include <lcms2.h>
+
+#include <cstddef>
+#include <random>
+#include <vector>
+
+#include "velquor/colorimetry/lab_batch.h"
+#include "velquor/colorimetry/tristimulus.h"
+#include "velquor/colorimetry/weight_table_cache.h"
+#include "velquor/data/value_vectors.h"
+
+namespace {
+
+constexpr int kD65 = 2;
+constexpr int k10Degree = 1;
+
+// Smooth random reflectance curves (percent), like measured paints.
+std::vector<double> MakeSpectra(std::size_t count) {
+  std::mt19937_64 random(20261122);
+  std::uniform_real_distribution<double> level(2.0, 95.0);
+  std::uniform_real_distribution<double> slope(-1.5, 1.5);
+  std::vector<double> spectra(count * 40);
+  for (std::size_t s = 0; s < count; ++s) {
+    const double base = level(random);
+    const double tilt = slope(random);
+    for (std::size_t i = 0; i < 40; ++i) {
+      double r = base + tilt * (static_cast<double>(i) - 20.0);
+      spectra[s * 40 + i] = r < 0.5 ? 0.5 : (r > 100.0 ? 100.0 : r);
+    }
+  }
+  return spectra;
+}
+
+std::vector<double> MakeXYZ(std::size_t count) {
+  const std::vector<double> spectra = MakeSpectra(count);
+  std::vector<double> xyz(count * 3);
+  velquor::ComputeXYZBatch(spectra.data(), count, 40, kD65, k10Degree, xyz.data(), 3);
+  return xyz;
+}
+
+void BM_SpectraToXYZ(benchmark::State& state) {
+  const auto count = static_cast<std::size_t>(state.range(0));
+  const std::vector<double> spectra = MakeSpectra(count);
+  std::vector<double> xyz(count * 3);
+  for (auto _ : state) {
+    velquor::ComputeXYZBatch(spectra.data(), count, 40, kD65, k10Degree, xyz.data(), 3);
+    benchmark::DoNotOptimize(xyz.data());
+    benchmark::ClobberMemory();
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * count));
+}
+BENCHMARK(BM_SpectraToXYZ)->Arg(100000);
+
+void BM_XYZToLab_velquor(benchmark::State& state) {
+  const auto count = static_cast<std::size_t>(state.range(0));
+  const std::vector<double> xyz = MakeXYZ(count);
+  velquor::CValueVector3 white;
+  velquor::GetWhitePoint(kD65, k10Degree, white);
+  const double whitePoint[3] = {white[0], white[1], white[2]};
+  std::vector<double> lab(count * 5);
+  for (auto _ : state) {
+    velquor::XYZToLabBatch(whitePoint, xyz.data(), 3, lab.data(), 5, count);
+    benchmark::DoNotOptimize(lab.data());
+    benchmark::ClobberMemory();
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * count));
+}
+BENCHMARK(BM_XYZToLab_velquor)->Arg(100000);
+
+// The peer: LittleCMS converts XYZ (0..1 scale) to L*, a*, b* only; velquor also gives C*ab
+// and hab, so this favours LittleCMS slightly.
+void BM_XYZToLab_LittleCMS(benchmark::State& state) {
+  const auto count = static_cast<std::size_t>(state.range(0));
+  const std::vector<double> xyz = MakeXYZ(count);
+  velquor::CValueVector3 white;
+  velquor::GetWhitePoint(kD65, k10Degree, white);
+  const cmsCIEXYZ whitePoint = {white[0] / 100.0, white[1] / 100.0, white[2] / 100.0};
+  std::vector<cmsCIEXYZ> input(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    input[i] = {xyz[3 * i] / 100.0, xyz[3 * i + 1] / 100.0, xyz[3 * i + 2] / 100.0};
+  }
+  std::vector<cmsCIELab> lab(count);
+  for (auto _ : state) {
+    for (std::size_t i = 0; i < count; ++i) cmsXYZ2Lab(&whitePoint, &lab[i], &input[i]);
+    benchmark::DoNotOptimize(lab.data());
+    benchmark::ClobberMemory();
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * count));
+}
+BENCHMARK(BM_XYZToLab_LittleCMS)->Arg(100000);
+
+// Like for like: LittleCMS XYZ -> Lab followed by Lab -> LCh, the five values velquor returns.
+void BM_XYZToLabLCh_LittleCMS(benchmark::State& state) {
+  const auto count = static_cast<std::size_t>(state.range(0));
+  const std::vector<double> xyz = MakeXYZ(count);
+  velquor::CValueVector3 white;
+  velquor::GetWhitePoint(kD65, k10Degree, white);
+  const cmsCIEXYZ whitePoint = {white[0] / 100.0, white[1] / 100.0, white[2] / 100.0};
+  std::vector<cmsCIEXYZ> input(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    input[i] = {xyz[3 * i] / 100.0, xyz[3 * i + 1] / 100.0, xyz[3 * i + 2] / 100.0};
+  }
+  std::vector<cmsCIELab> lab(count);
+  std::vector<cmsCIELCh> lch(count);
+  for (auto _ : state) {
+    for (std::size_t i = 0; i < count; ++i) {
+      cmsXYZ2Lab(&whitePoint, &lab[i], &input[i]);
+      cmsLab2LCh(&lch[i], &lab[i]);
+    }
+    benchmark::DoNotOptimize(lch.data());
+    benchmark::ClobberMemory();
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * count));
+}
+BENCHMARK(BM_XYZToLabLCh_LittleCMS)->Arg(100000);
+
+}  // namespace
