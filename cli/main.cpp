@@ -2,9 +2,14 @@
 //   velquor --version     prints the library version
 //   velquor demo          worked example on the embedded sample spectra
 #include <cstdio>
+#include <string>
 #include <string_view>
 
 #include "demo_samples.h"
+#include "velquor/colorimetry/illuminants.h"
+#include "velquor/colorimetry/lab.h"
+#include "velquor/colorimetry/tristimulus.h"
+#include "velquor/colorimetry/weight_table_cache.h"
 #include "velquor/data/ks_data.h"
 #include "velquor/frame/numeric.h"
 #include "velquor/frame/version.h"
@@ -44,6 +49,26 @@ void PrintRow(const char* label, const CKSData& curve) {
   std::printf("\n");
 }
 
+// Tristimulus values and CIELAB of every sample under one illuminant and observer.
+void PrintColorimetry(int illuminant, int observer) {
+  std::string code;
+  std::string degrees;
+  velquor::EnsureWeightTable(illuminant, observer);
+  velquor::LoadIlluminantCode(illuminant, code);
+  velquor::LoadObserverText(observer, velquor::ObserverTextForm::kSlash, degrees);
+  std::printf("\nTristimulus values and CIELAB, %s%s:\n", code.c_str(), degrees.c_str());
+  std::printf("  %-18s %8s %8s %8s %8s %8s %8s %8s %8s\n", "sample", "X", "Y", "Z", "L*", "a*",
+              "b*", "C*ab", "hab");
+  for (const auto& sample : velquor::cli::kDemoSamples) {
+    velquor::CValueVector3 xyz;
+    velquor::CValueVector5 lab;
+    velquor::ComputeXYZ(CurveOf(sample), illuminant, observer, xyz);
+    velquor::XYZToLab(illuminant, observer, xyz, lab);
+    std::printf("  %-18s %8.3f %8.3f %8.3f %8.3f %8.3f %8.3f %8.3f %8.3f\n", sample.name, xyz[0],
+                xyz[1], xyz[2], lab[0], lab[1], lab[2], lab[3], lab[4]);
+  }
+}
+
 int RunDemo() {
   std::printf("velquor %s: reflectance, Kubelka-Munk K/S and optical density\n",
               velquor::GetVersionString());
@@ -64,6 +89,9 @@ int RunDemo() {
     density.ConvertRefl(CReflMode{1, 1});
     PrintRow("density", density);
   }
+
+  PrintColorimetry(2, 1);
+  PrintColorimetry(0, 0);
 
   // A missing point is carried through arithmetic instead of being computed with.
   CKSData mix = CurveOf(velquor::cli::kDemoSamples[0]);
