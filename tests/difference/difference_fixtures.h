@@ -1,0 +1,67 @@
+// Shared fixtures of the colour-difference tests: sample builders, a one-call wrapper around
+// the dispatcher and a running maximum that prints what a comparison sweep measured.
+#pragma once
+
+#include <lcms2.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <string>
+
+#include "velquor/difference/color_difference.h"
+
+namespace velquor::difference_testing {
+
+// A sample whose five coordinates are stored as given (the formulas read the stored C and h,
+// so a test can place them on a threshold exactly). Its XYZ is an arbitrary grey, present so
+// that the sample does not count as missing.
+inline CColorSample RawSample(double l, double a, double b, double c, double h) {
+  CColorSample s;
+  for (int i = 0; i < 3; ++i) s.xyz[i] = 20.0;
+  const double v[5] = {l, a, b, c, h};
+  for (int i = 0; i < 5; ++i) s.coordinates[i] = v[i];
+  return s;
+}
+
+// A CIELAB sample with C*ab and hab (degrees) from LittleCMS's cmsLab2LCh, so that both
+// implementations compared below start from bit-identical chroma and hue.
+inline CColorSample LabSample(double l, double a, double b) {
+  const cmsCIELab lab{l, a, b};
+  cmsCIELCh lch;
+  cmsLab2LCh(&lch, &lab);
+  return RawSample(l, a, b, lch.C, lch.h);
+}
+
+inline CColorSample XyzSample(double x, double y, double z) {
+  CColorSample s = RawSample(50, 0, 0, 0, 0);
+  s.xyz[0] = x;
+  s.xyz[1] = y;
+  s.xyz[2] = z;
+  return s;
+}
+
+inline CColorVector7 Difference(const CColorSample& standard, const CColorSample& trial, int code,
+                                double w0 = 1, double w1 = 1, double w2 = 1, double parameter = 0,
+                                int illuminant = 2, int observer = 0) {
+  const double weights[3] = {w0, w1, w2};
+  CColorVector7 result;
+  ComputeColorDifference(standard, trial, code, illuminant, observer, weights, result, parameter);
+  return result;
+}
+
+// Largest absolute deviation seen in a sweep and the number of pairs compared.
+struct Agreement {
+  std::string label;
+  double maxError = 0.0;
+  int pairs = 0;
+  void Add(double deviation) {
+    maxError = std::max(maxError, std::abs(deviation));
+    ++pairs;
+  }
+  void Report() const {
+    std::printf("[ measured ] %s: max |diff| %.3e over %d pairs\n", label.c_str(), maxError, pairs);
+  }
+};
+
+}  // namespace velquor::difference_testing
