@@ -33,4 +33,23 @@ inline constexpr double kProbeRise = kZeroEpsilon;
 // Most interpolation or bisection steps of the bracketed root finder (beyond the two ends).
 inline constexpr int kRootMaxIterations = 100;
 
+// --- Colour strength ---
+
+// Broad-band range of the spectral methods: indices 6 to 32 inclusive, 420 nm to 680 nm.
+inline constexpr int kStrengthFirstIndex = 6;
+inline constexpr int kStrengthLastIndex = 32;
+// Smallest magnitude of a strength sum used as a divisor (and of the batch sum).
+inline constexpr double kStrengthSumFloor = 1e-7;
+// Upper limit of every strength result, in percent.
+inline constexpr double kStrengthCap = 999.99;
+// Lower limit of the spectral-sum strength, in percent; the ratio path has none.
+inline constexpr double kStrengthFloor = 0.01;
+// Upper limit of the quotient of the weighted and tristimulus paths (100 x 9.9999 = 999.99 %).
+inline constexpr double kStrengthRatioCap = 9.9999;
+// Smallest divisor of the Saunderson correction and of its inverse.
+inline constexpr double kSaundersonDivisorFloor = 1e-5;
+// Percent to fraction, and back.
+inline constexpr double kStrengthPercentToFraction = 0.01;
+inline constexpr double kStrengthFractionToPercent = 100.0;
+
 }  // namespace velquor
