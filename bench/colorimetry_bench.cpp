@@ -70,18 +70,31 @@ void BM_XYZToLab_velquor(benchmark::State& state) {
 }
 BENCHMARK(BM_XYZToLab_velquor)->Arg(100000);
 
+// The same samples for LittleCMS, which works on the 0..1 scale.
+struct LittleCmsInput {
+  cmsCIEXYZ white;
+  std::vector<cmsCIEXYZ> xyz;
+};
+
+LittleCmsInput MakeLittleCmsInput(std::size_t count) {
+  const std::vector<double> xyz = MakeXYZ(count);
+  velquor::CValueVector3 white;
+  velquor::GetWhitePoint(kD65, k10Degree, white);
+  LittleCmsInput in{{white[0] / 100.0, white[1] / 100.0, white[2] / 100.0}, {}};
+  in.xyz.resize(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    in.xyz[i] = {xyz[3 * i] / 100.0, xyz[3 * i + 1] / 100.0, xyz[3 * i + 2] / 100.0};
+  }
+  return in;
+}
+
 // The peer: LittleCMS converts XYZ (0..1 scale) to L*, a*, b* only; velquor also gives C*ab
 // and hab, so this favours LittleCMS slightly.
 void BM_XYZToLab_LittleCMS(benchmark::State& state) {
   const auto count = static_cast<std::size_t>(state.range(0));
-  const std::vector<double> xyz = MakeXYZ(count);
-  velquor::CValueVector3 white;
-  velquor::GetWhitePoint(kD65, k10Degree, white);
-  const cmsCIEXYZ whitePoint = {white[0] / 100.0, white[1] / 100.0, white[2] / 100.0};
-  std::vector<cmsCIEXYZ> input(count);
-  for (std::size_t i = 0; i < count; ++i) {
-    input[i] = {xyz[3 * i] / 100.0, xyz[3 * i + 1] / 100.0, xyz[3 * i + 2] / 100.0};
-  }
+  const LittleCmsInput in = MakeLittleCmsInput(count);
+  const cmsCIEXYZ& whitePoint = in.white;
+  const std::vector<cmsCIEXYZ>& input = in.xyz;
   std::vector<cmsCIELab> lab(count);
   for (auto _ : state) {
     for (std::size_t i = 0; i < count; ++i) cmsXYZ2Lab(&whitePoint, &lab[i], &input[i]);
@@ -95,14 +108,9 @@ BENCHMARK(BM_XYZToLab_LittleCMS)->Arg(100000);
 // Like for like: LittleCMS XYZ -> Lab followed by Lab -> LCh, the five values velquor returns.
 void BM_XYZToLabLCh_LittleCMS(benchmark::State& state) {
   const auto count = static_cast<std::size_t>(state.range(0));
-  const std::vector<double> xyz = MakeXYZ(count);
-  velquor::CValueVector3 white;
-  velquor::GetWhitePoint(kD65, k10Degree, white);
-  const cmsCIEXYZ whitePoint = {white[0] / 100.0, white[1] / 100.0, white[2] / 100.0};
-  std::vector<cmsCIEXYZ> input(count);
-  for (std::size_t i = 0; i < count; ++i) {
-    input[i] = {xyz[3 * i] / 100.0, xyz[3 * i + 1] / 100.0, xyz[3 * i + 2] / 100.0};
-  }
+  const LittleCmsInput in = MakeLittleCmsInput(count);
+  const cmsCIEXYZ& whitePoint = in.white;
+  const std::vector<cmsCIEXYZ>& input = in.xyz;
   std::vector<cmsCIELab> lab(count);
   std::vector<cmsCIELCh> lch(count);
   for (auto _ : state) {
