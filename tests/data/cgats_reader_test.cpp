@@ -1,0 +1,303 @@
+#include "velquor/data/cgats_reader.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <string>
+#include <vector>
+
+#include "velquor/data/cgats_writer.h"
+#include "velquor/data/csv_spectra.h"
+#include "velquor/frame/numeric.h"
+
+namespace velquor {
+namespace {
+
+// Lines: 1 identifier, 2 keyword, 3 NUMBER_OF_FIELDS, 4-6 format, 7 NUMBER_OF_SETS,
+// 8 BEGIN_DATA, 9-10 rows, 11 END_DATA.
+std::string Cgats(const std::string& rows, const std::string& names = "SAMPLE_ID SAMPLE_NAME nm400 nm410 nm420",
+                  const std::string& fields = "5", const std::string& sets = "2") {
+  return "CGATS.17\nORIGINATOR \"velquor test\"\nNUMBER_OF_FIELDS " + fields + "\nBEGIN_DATA_FORMAT\n" + names +
+         "\nEND_DATA_FORMAT\nNUMBER_OF_SETS " + sets + "\nBEGIN_DATA\n" + rows;
+}
+
+const std::string kRows = "1 \"red one\" 0.1 0.2 0.3\n2 blue 0.4 0.5 0.6\nEND_DATA\n";
+
+TEST(CgatsReader, ReadsHeaderFormatAndSamples) {
+  const std::string text =
+      "CGATS.17\n"
+      "# exported by hand\n"
+      "ORIGINATOR \"velquor test\"  # trailing comment\n"
+      "KEYWORD \"MEASUREMENT_GEOMETRY\"\n"
+      "MEASUREMENT_GEOMETRY \"d/8\"\n"
+      "NUMBER_OF_FIELDS 6\n"
+      "BEGIN_DATA_FORMAT\n"
+      "SAMPLE_ID SAMPLE_NAME\n"
+      "SPECTRAL_NM_400 SPECTRAL_NM410 LAB_L nm420\n"
+      "END_DATA_FORMAT\n"
+      "NUMBER_OF_SETS 2\n"
+      "BEGIN_DATA\n"
+      "A1\t\"patch # one\"\t10.5\t20\t55.2\t30\n"
+      "\n"
+      "A2 'two' 11 21 56 31.25\n"
+      "END_DATA\n";
+  MeasurementFile file;
+  const MeasurementStatus status = ParseCgats(text, "in.cgats", {}, file);
+  ASSERT_TRUE(status.ok) << status.error.Message();
+  EXPECT_EQ(file.identifier, "CGATS.17");
+  ASSERT_EQ(file.keywords.size(), 3u);
+  EXPECT_EQ(file.keywords[0].name, "ORIGINATOR");
+  EXPECT_EQ(file.keywords[0].value, "\"velquor test\"");
+  EXPECT_EQ(file.keywords[1].name, "KEYWORD");
+  EXPECT_EQ(file.keywords[1].value, "\"MEASUREMENT_GEOMETRY\"");
+  EXPECT_EQ(file.wavelengths, (std::vector<double>{400, 410, 420}));
+  EXPECT_EQ(file.formatLine, 7u);
+  ASSERT_EQ(file.samples.size(), 2u);
+  EXPECT_EQ(file.samples[0].line, 13u);
+  EXPECT_EQ(file.samples[1].line, 15u);
+  EXPECT_EQ(file.SampleLabel(0), "patch # one");
+  EXPECT_EQ(file.samples[0].values, (std::vector<double>{10.5, 20, 30}));
+  EXPECT_EQ(file.samples[1].values, (std::vector<double>{11, 21, 31.25}));
+  EXPECT_EQ(file.samples[1].fields, (std::vector<std::string>{"A2", "two", "56"}));
+  EXPECT_EQ(file.samples[0].fields, (std::vector<std::string>{"A1", "patch # one", "55.2"}));
+  EXPECT_EQ(file.scale, ReflectanceScale::kPercent);
+  EXPECT_TRUE(file.notes.empty());
+}
+
+struct BadInput {
+  const char* what;
+  std::string text;
+  const char* message;  // the whole message, file and line included
+};
+
+class CgatsBadInput : public ::testing::TestWithParam<BadInput> {};
+
+TEST_P(CgatsBadInput, IsRefusedWithFileAndLine) {
+  MeasurementFile file;
+  const MeasurementStatus status = ParseCgats(GetParam().text, "bad.cgats", {}, file);
+  EXPECT_FALSE(status.ok);
+  EXPECT_EQ(status.error.Message(), GetParam().message);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, CgatsBadInput,
+    ::testing::Values(
+        BadInput{"empty", "", "bad.cgats: the file is empty"},
+        BadInput{"blank", "\n\n  \n", "bad.cgats: not a CGATS file: no BEGIN_DATA_FORMAT before the end of the file"},
+        BadInput{"binary", std::string("CGATS.17\nPK\x03\x04\x00\x00", 15),
+                 "bad.cgats:2: binary data (byte 0x03): not a text file"},
+        BadInput{"unterminated data", Cgats("1 a 0.1 0.2 0.3\n2 b 0.4 0.5 0.6\n"),
+                 "bad.cgats:8: BEGIN_DATA of line 8 has no END_DATA"},
+        BadInput{"unterminated format", "CGATS.17\nBEGIN_DATA_FORMAT\nnm400 nm410\nBEGIN_DATA\n",
+                 "bad.cgats:2: BEGIN_DATA_FORMAT of line 2 has no END_DATA_FORMAT"},
+        BadInput{"too few fields", Cgats("1 a 0.1 0.2 0.3\n2 b 0.4 0.5\nEND_DATA\n"),
+                 "bad.cgats:10: the row has 4 fields; the data format has 5"},
+        BadInput{"too many fields", Cgats("1 a 0.1 0.2 0.3 0.4\n"),
+                 "bad.cgats:9: the row has 6 fields; the data format has 5"},
+        BadInput{"non-numeric", Cgats("1 a 0.1 0.2 0.3\n2 b 0.4 O.5 0.6\nEND_DATA\n"),
+                 "bad.cgats:10: field nm410: \"O.5\" is not a number"},
+        BadInput{"infinity", Cgats("1 a 0.1 inf 0.3\n"), "bad.cgats:9: field nm410: \"inf\" is not a number"},
+        BadInput{"hexadecimal", Cgats("1 a 0x1 0.2 0.3\n"), "bad.cgats:9: field nm400: \"0x1\" is not a number"},
+        BadInput{"overflow", Cgats("1 a 1e999 0.2 0.3\n"), "bad.cgats:9: field nm400: \"1e999\" is not a number"},
+        BadInput{"decimal comma", Cgats("1 a 0,1 0.2 0.3\n"), "bad.cgats:9: field nm400: \"0,1\" is not a number"},
+        BadInput{"duplicate wavelength", Cgats(kRows, "SAMPLE_ID SAMPLE_NAME nm400 SPECTRAL_NM_400 nm420"),
+                 "bad.cgats:5: duplicate wavelength 400 nm (columns nm400 and SPECTRAL_NM_400)"},
+        BadInput{"duplicate column", Cgats(kRows, "SAMPLE_ID SAMPLE_ID nm400 nm410 nm420"),
+                 "bad.cgats:5: duplicate column SAMPLE_ID"},
+        BadInput{"declared fields", Cgats(kRows, "SAMPLE_ID SAMPLE_NAME nm400 nm410 nm420", "4"),
+                 "bad.cgats:6: NUMBER_OF_FIELDS is 4 but the data format names 5 fields"},
+        BadInput{"declared sets", Cgats(kRows, "SAMPLE_ID SAMPLE_NAME nm400 nm410 nm420", "5", "3"),
+                 "bad.cgats:11: NUMBER_OF_SETS is 3 but the data block has 2 rows"},
+        BadInput{"bad count", Cgats(kRows, "SAMPLE_ID SAMPLE_NAME nm400 nm410 nm420", "5", "two"),
+                 "bad.cgats:7: NUMBER_OF_SETS needs a whole number, not \"two\""},
+        BadInput{"negative count", Cgats(kRows, "SAMPLE_ID SAMPLE_NAME nm400 nm410 nm420", "-5"),
+                 "bad.cgats:3: NUMBER_OF_FIELDS needs a whole number, not \"-5\""},
+        BadInput{"data first", "CGATS.17\nBEGIN_DATA\n1 2\nEND_DATA\n",
+                 "bad.cgats:2: BEGIN_DATA comes before BEGIN_DATA_FORMAT"},
+        BadInput{"stray END_DATA", "CGATS.17\nEND_DATA\n", "bad.cgats:2: END_DATA without BEGIN_DATA"},
+        BadInput{"second format",
+                 "CGATS.17\nBEGIN_DATA_FORMAT\nnm400 nm410 nm420\nEND_DATA_FORMAT\nBEGIN_DATA_FORMAT\n",
+                 "bad.cgats:5: BEGIN_DATA_FORMAT appears twice"},
+        BadInput{"unclosed quote", Cgats("1 \"red one 0.1 0.2 0.3\n"), "bad.cgats:9: quoted text is not closed"},
+        BadInput{"no spectral column", Cgats(kRows, "SAMPLE_ID SAMPLE_NAME LAB_L LAB_A LAB_B"),
+                 "bad.cgats:4: no spectral columns (names such as SPECTRAL_NM380, nm380, SPEC_380 or R_380)"},
+        BadInput{"no samples", Cgats("END_DATA\n", "SAMPLE_ID SAMPLE_NAME nm400 nm410 nm420", "5", "0"),
+                 "bad.cgats:8: no samples"},
+        BadInput{"csv given as cgats", "sample,400,410,420\na,0.1,0.2,0.3\n",
+                 "bad.cgats: not a CGATS file: no BEGIN_DATA_FORMAT before the end of the file"},
+        BadInput{"long line", "CGATS.17\n" + std::string(kMaxLineLength + 1, 'x') + "\n",
+                 "bad.cgats:2: the line is longer than 1048576 bytes"}),
+    [](const ::testing::TestParamInfo<BadInput>& info) {
+      std::string name = info.param.what;
+      for (char& c : name) {
+        if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
+      }
+      return name;
+    });
+
+// A 2 GB line: the reader stops after about 1 MiB, whatever the source would still deliver.
+TEST(CgatsReader, EndlessLineIsRefusedAfterBoundedReading) {
+  unsigned long long delivered = 0;
+  LineReader reader([&delivered](char* buffer, std::size_t capacity) -> long long {
+    const std::size_t n = std::min<std::size_t>(capacity, 2ull * 1024 * 1024 * 1024 - delivered);
+    std::fill(buffer, buffer + n, 'a');
+    delivered += n;
+    return static_cast<long long>(n);
+  });
+  MeasurementFile file;
+  const MeasurementStatus status = ReadCgats(reader, "huge.cgats", {}, file);
+  EXPECT_FALSE(status.ok);
+  EXPECT_EQ(status.error.Message(), "huge.cgats:1: the line is longer than 1048576 bytes");
+  EXPECT_LT(delivered, 2u * kMaxLineLength);
+}
+
+TEST(LineReader, AcceptsALineOfExactlyTheLimitFromMemoryAndFromASource) {
+  const std::string text = "a\r\n" + std::string(kMaxLineLength, 'y') + "\r\nlast";
+  for (const bool fromSource : {false, true}) {
+    std::size_t offset = 0;
+    LineReader memory(text);
+    LineReader chunked([&](char* buffer, std::size_t capacity) -> long long {
+      const std::size_t n = std::min<std::size_t>(std::min<std::size_t>(capacity, 1000), text.size() - offset);
+      std::copy_n(text.data() + offset, n, buffer);
+      offset += n;
+      return static_cast<long long>(n);
+    });
+    LineReader& reader = fromSource ? chunked : memory;
+    std::string_view line;
+    ASSERT_EQ(reader.Next(line), LineReader::Status::kLine);
+    EXPECT_EQ(line, "a");
+    ASSERT_EQ(reader.Next(line), LineReader::Status::kLine);
+    EXPECT_EQ(line.size(), kMaxLineLength);
+    ASSERT_EQ(reader.Next(line), LineReader::Status::kLine);
+    EXPECT_EQ(line, "last");
+    EXPECT_EQ(reader.LineNumber(), 3u);
+    EXPECT_EQ(reader.Next(line), LineReader::Status::kEnd);
+  }
+}
+
+// Every common naming of spectral columns, with and without the plain CSV forms.
+TEST(SpectralColumnNames, RecogniseEveryCommonNaming) {
+  const struct {
+    const char* name;
+    bool plain;
+    double nm;  // 0 = not a spectral column
+  } kCases[] = {
+      {"nm380", false, 380},          {"NM_380", false, 380},       {"SPECTRAL_NM_380", false, 380},
+      {"SPECTRAL_NM380", false, 380}, {"SPEC_380", false, 380},     {"R_380", false, 380},
+      {"SPECTRAL_380", false, 380},   {"spectral_nm_382.5", false, 382.5}, {"Nm_780", false, 780},
+      {"380", false, 0},              {"380", true, 380},           {"380nm", true, 380},
+      {"380 nm", true, 380},          {"SPECTRAL_NM_", false, 0},   {"NM", false, 0},
+      {"R380", false, 0},             {"LAB_L", false, 0},          {"nm-5", false, 0},
+      {"nm0", false, 0},              {"nm380.", false, 0},         {"nm100000", false, 0},
+      {"SPECTRAL_PCT", false, 0},     {"380x", true, 0},            {"nm 380", false, 0},
+  };
+  for (const auto& c : kCases) {
+    double nm = 0.0;
+    EXPECT_EQ(ParseSpectralColumnName(c.name, c.plain, nm), c.nm != 0.0) << c.name;
+    if (c.nm != 0.0) {
+      EXPECT_EQ(nm, c.nm) << c.name;
+    }
+  }
+  // In a file: all namings at once give the wavelengths in column order.
+  MeasurementFile file;
+  const std::string text = Cgats("x 0.1 0.2 0.3 0.4 0.5 0.6 0.7\nEND_DATA\n",
+                                 "SAMPLE_ID nm380 NM_390 SPECTRAL_NM_400 SPECTRAL_NM410 SPEC_420 R_430 SPECTRAL_440",
+                                 "8", "1");
+  ASSERT_TRUE(ParseCgats(text, "names.cgats", {}, file).ok);
+  EXPECT_EQ(file.wavelengths, (std::vector<double>{380, 390, 400, 410, 420, 430, 440}));
+}
+
+// Largest value above 2 reads as percent, 2 or less as fractions; the caller can say which.
+TEST(CgatsReader, DetectsFractionOrPercentAndCanBeTold) {
+  const struct {
+    const char* largest;
+    ReflectanceScale requested;
+    ReflectanceScale expected;
+    const char* description;
+  } kCases[] = {
+      {"2", ReflectanceScale::kAuto, ReflectanceScale::kFraction,
+       "spectral values read as fractions (largest value 2, detected)"},
+      {"2.0001", ReflectanceScale::kAuto, ReflectanceScale::kPercent,
+       "spectral values read as percent (largest value 2.0001, detected)"},
+      {"0.955", ReflectanceScale::kPercent, ReflectanceScale::kPercent,
+       "spectral values read as percent (as requested; largest value 0.955)"},
+      {"95.5", ReflectanceScale::kFraction, ReflectanceScale::kFraction,
+       "spectral values read as fractions (as requested; largest value 95.5)"},
+  };
+  for (const auto& c : kCases) {
+    MeasurementFile file;
+    const std::string rows = std::string("1 a 0.1 ") + c.largest + " 0.3\n2 b \"\" 0.2 -0.01\nEND_DATA\n";
+    ReadOptions options;
+    options.scale = c.requested;
+    ASSERT_TRUE(ParseCgats(Cgats(rows), "scale.cgats", options, file).ok);
+    EXPECT_EQ(file.scale, c.expected) << c.largest;
+    EXPECT_EQ(file.DescribeScale(), c.description);
+    EXPECT_EQ(file.PercentFactor(), c.expected == ReflectanceScale::kPercent ? 1.0 : 100.0);
+  }
+}
+
+// A sample with a missing value is read and reported; the other samples are untouched.
+TEST(CgatsReader, MissingValueIsReportedAndTheOtherSamplesRead) {
+  MeasurementFile file;
+  const std::string rows = "1 red 0.1 \"\" 0.3\n2 blue 0.4 0.5 0.6\n3 green NA 0.5 N/A\nEND_DATA\n";
+  ASSERT_TRUE(ParseCgats(Cgats(rows, "SAMPLE_ID SAMPLE_NAME nm400 nm410 nm420", "5", "3"), "m.cgats", {}, file).ok);
+  ASSERT_EQ(file.samples.size(), 3u);
+  EXPECT_TRUE(IsMissing(file.samples[0].values[1]));
+  EXPECT_EQ(file.samples[1].values, (std::vector<double>{0.4, 0.5, 0.6}));
+  EXPECT_EQ(file.MissingWavelengths(2), (std::vector<double>{400, 420}));
+  ASSERT_EQ(file.notes.size(), 2u);
+  EXPECT_EQ(file.notes[0].line, 9u);
+  EXPECT_EQ(file.notes[0].text, "sample red has no value at 410 nm");
+  EXPECT_EQ(file.notes[1].line, 11u);
+  EXPECT_EQ(file.notes[1].text, "sample green has no value at 400, 420 nm");
+  EXPECT_EQ(file.largestValue, 0.6);
+}
+
+TEST(CgatsReader, ContentAfterTheFirstTableIsIgnoredWithANote) {
+  MeasurementFile file;
+  ASSERT_TRUE(ParseCgats(Cgats(kRows + "\nCGATS.17\nBEGIN_DATA_FORMAT\n"), "two.cgats", {}, file).ok);
+  EXPECT_EQ(file.samples.size(), 2u);
+  ASSERT_EQ(file.notes.size(), 1u);
+  EXPECT_EQ(file.notes[0].line, 13u);
+}
+
+// Writing keeps the header and the other columns; reading the output gives the same file.
+TEST(CgatsWriter, RoundTripKeepsKeywordsColumnsAndMissingValues) {
+  const std::string text =
+      "CTI3\nKEYWORD \"DEVICE_CLASS\"\nDEVICE_CLASS \"OUTPUT\"\nBEGIN_DATA_FORMAT\n"
+      "SAMPLE_ID SAMPLE_NAME nm400 nm410 nm420 LAB_L DATE\nEND_DATA_FORMAT\nBEGIN_DATA\n"
+      "1 \"with space\" 0.1 0.25 0.3 50.5 \"2024-01-02\"\n"
+      "2 \"it's\" 0.4 \"\" 0.6 60 ''\n"
+      "END_DATA\n";
+  MeasurementFile first;
+  MeasurementStatus status = ParseCgats(text, "in.ti3", {}, first);
+  ASSERT_TRUE(status.ok) << status.error.Message();
+  std::string written;
+  ASSERT_TRUE(FormatCgats(first, {}, written));
+  MeasurementFile second;
+  status = ParseCgats(written, "out.ti3", {}, second);
+  ASSERT_TRUE(status.ok) << status.error.Message() << "\n" << written;
+  EXPECT_EQ(second.identifier, "CTI3");
+  ASSERT_EQ(second.keywords.size(), first.keywords.size());
+  for (std::size_t i = 0; i < first.keywords.size(); ++i) {
+    EXPECT_EQ(second.keywords[i].name, first.keywords[i].name);
+    EXPECT_EQ(second.keywords[i].value, first.keywords[i].value);
+  }
+  ASSERT_EQ(second.columns.size(), first.columns.size());
+  for (std::size_t i = 0; i < first.columns.size(); ++i) EXPECT_EQ(second.columns[i].name, first.columns[i].name);
+  ASSERT_EQ(second.samples.size(), 2u);
+  for (std::size_t s = 0; s < 2; ++s) {
+    EXPECT_EQ(second.samples[s].fields, first.samples[s].fields);
+    for (std::size_t i = 0; i < 3; ++i) {
+      EXPECT_EQ(IsMissing(second.samples[s].values[i]), IsMissing(first.samples[s].values[i]));
+      if (!IsMissing(first.samples[s].values[i])) {
+        EXPECT_EQ(second.samples[s].values[i], first.samples[s].values[i]);
+      }
+    }
+  }
+  EXPECT_TRUE(IsMissing(second.samples[1].values[1]));
+}
+
+}  // namespace
+}  // namespace velquor

@@ -1,0 +1,172 @@
+#include "velquor/data/csv_spectra.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "velquor/data/cgats_reader.h"
+#include "velquor/data/cgats_writer.h"
+#include "velquor/frame/numeric.h"
+
+namespace velquor {
+namespace {
+
+std::string ColorCheckerPath() {
+  return std::string(VELQUOR_TEST_DATA_DIR) + "/samples/colorchecker_ohta_380_780_5nm.csv";
+}
+
+TEST(CsvSpectra, ReadsTheColorCheckerFile) {
+  MeasurementFile file;
+  const MeasurementStatus status = ReadCsvSpectraFile(ColorCheckerPath(), {}, file);
+  ASSERT_TRUE(status.ok) << status.error.Message();
+  EXPECT_EQ(file.format, MeasurementFormat::kCsv);
+  ASSERT_EQ(file.samples.size(), 24u);
+  ASSERT_EQ(file.wavelengths.size(), 81u);
+  EXPECT_EQ(file.wavelengths.front(), 380.0);
+  EXPECT_EQ(file.wavelengths.back(), 780.0);
+  EXPECT_EQ(file.SampleLabel(0), "dark skin");
+  EXPECT_EQ(file.SampleLabel(23), "black 2 (1.5 D)");
+  EXPECT_EQ(file.samples[0].line, 2u);
+  // Values as printed in the file ("dark skin": 0.0480 at 380 nm, 0.4210 at 780 nm).
+  EXPECT_EQ(file.samples[0].values.front(), 0.0480);
+  EXPECT_EQ(file.samples[0].values.back(), 0.4210);
+  EXPECT_EQ(file.scale, ReflectanceScale::kFraction);
+  EXPECT_TRUE(file.scaleDetected);
+  EXPECT_TRUE(file.notes.empty());
+}
+
+// CSV -> CGATS -> CSV keeps every value exactly and the sample names.
+TEST(CsvSpectra, ColorCheckerSurvivesConversionToCgatsAndBack) {
+  MeasurementFile csv;
+  ASSERT_TRUE(ReadCsvSpectraFile(ColorCheckerPath(), {}, csv).ok);
+  std::string cgatsText;
+  ASSERT_TRUE(FormatCgats(csv, {}, cgatsText));
+  EXPECT_NE(cgatsText.find("SAMPLE_NAME\tSPECTRAL_NM380\tSPECTRAL_NM385"), std::string::npos);
+  MeasurementFile cgats;
+  const MeasurementStatus status = ParseCgats(cgatsText, "converted.cgats", {}, cgats);
+  ASSERT_TRUE(status.ok) << status.error.Message();
+  std::string csvText;
+  ASSERT_TRUE(FormatCsvSpectra(cgats, {}, csvText));
+  EXPECT_EQ(csvText.substr(0, 24), "SAMPLE_NAME,380,385,390,");
+  MeasurementFile back;
+  ASSERT_TRUE(ParseCsvSpectra(csvText, "back.csv", {}, back).ok);
+  for (const MeasurementFile* file : {&cgats, &back}) {
+    ASSERT_EQ(file->samples.size(), csv.samples.size());
+    EXPECT_EQ(file->wavelengths, csv.wavelengths);
+    for (std::size_t s = 0; s < csv.samples.size(); ++s) {
+      EXPECT_EQ(file->SampleLabel(s), csv.SampleLabel(s));
+      EXPECT_EQ(file->samples[s].values, csv.samples[s].values) << csv.SampleLabel(s);
+    }
+  }
+}
+
+TEST(CsvSpectra, KeepsOtherColumnsQuotingAndMissingValuesThroughAWrite) {
+  const std::string text =
+      "id;name;400 nm;410nm;nm420;comment\n"
+      "1;\"Red; deep\";10,5;20;30;\"said \"\"ok\"\"\"\n"
+      "\n"
+      "2; Blue ;;21,25;N/A;\n";
+  MeasurementFile file;
+  const MeasurementStatus status = ParseCsvSpectra(text, "semi.csv", {}, file);
+  ASSERT_TRUE(status.ok) << status.error.Message();
+  EXPECT_EQ(file.wavelengths, (std::vector<double>{400, 410, 420}));
+  EXPECT_EQ(file.SampleLabel(0), "Red; deep");
+  EXPECT_EQ(file.SampleLabel(1), "Blue");
+  EXPECT_EQ(file.samples[0].values, (std::vector<double>{10.5, 20, 30}));
+  EXPECT_EQ(file.samples[0].fields, (std::vector<std::string>{"1", "Red; deep", "said \"ok\""}));
+  EXPECT_EQ(file.MissingWavelengths(1), (std::vector<double>{400, 420}));
+  ASSERT_EQ(file.notes.size(), 1u);
+  EXPECT_EQ(file.notes[0].line, 4u);
+  EXPECT_EQ(file.notes[0].text, "sample Blue has no value at 400, 420 nm");
+  EXPECT_EQ(file.scale, ReflectanceScale::kPercent);
+
+  std::string written;
+  ASSERT_TRUE(FormatCsvSpectra(file, {}, written));
+  EXPECT_EQ(written,
+            "id,name,400,410,420,comment\n"
+            "1,Red; deep,10.5,20,30,\"said \"\"ok\"\"\"\n"
+            "2,Blue,,21.25,,\n");
+  MeasurementFile back;
+  ASSERT_TRUE(ParseCsvSpectra(written, "out.csv", {}, back).ok);
+  EXPECT_EQ(back.samples[0].fields, file.samples[0].fields);
+  EXPECT_EQ(back.MissingWavelengths(1), file.MissingWavelengths(1));
+}
+
+TEST(CsvSpectra, ChoosesTheNameColumn) {
+  const struct {
+    const char* header;
+    std::ptrdiff_t nameField;
+    std::ptrdiff_t idField;
+  } kCases[] = {
+      {"batch,SAMPLE_NAME,400,410,420", 1, -1},
+      {"ID,batch,400,410,420", -1, 0},
+      {"batch,lot,400,410,420", 0, -1},
+      {"Name,sample_id,400,410,420", 0, 1},
+  };
+  for (const auto& c : kCases) {
+    MeasurementFile file;
+    const std::string text = std::string(c.header) + "\nx,y,1,2,3\n";
+    ASSERT_TRUE(ParseCsvSpectra(text, "n.csv", {}, file).ok) << c.header;
+    EXPECT_EQ(file.nameField, c.nameField) << c.header;
+    EXPECT_EQ(file.idField, c.idField) << c.header;
+  }
+}
+
+TEST(CsvSpectra, BadInputIsRefusedWithFileAndLine) {
+  const struct {
+    std::string text;
+    const char* message;
+  } kCases[] = {
+      {"", "bad.csv: the file is empty"},
+      {"# only a comment\n\n", "bad.csv: no wavelength columns in the header (names such as 380, 380nm or nm380)"},
+      {"sample,L,a,b\nx,1,2,3\n", "bad.csv:1: no wavelength columns in the header (names such as 380, 380nm or nm380)"},
+      {"sample,400,410,420\n", "bad.csv:1: no samples"},
+      {"sample,400,410,420\na,1,2,3\nb,1,2\n", "bad.csv:3: the row has 3 fields; the header has 4"},
+      {"sample,400,410,420\na,1,2,3,\n", "bad.csv:2: the row has 5 fields; the header has 4"},
+      {"sample,400,410,420\na,1,two,3\n", "bad.csv:2: field 410: \"two\" is not a number"},
+      {"sample,400,410,420\na,1,2,3e\n", "bad.csv:2: field 420: \"3e\" is not a number"},
+      {"sample,400,nm400,420\na,1,2,3\n", "bad.csv:1: duplicate wavelength 400 nm (columns 400 and nm400)"},
+      {"sample,400,410,420\n\"a,1,2,3\n", "bad.csv:2: quoted text is not closed"},
+      {std::string("sample,400,410\n\x7f\x45LF,1,2\n"), "bad.csv:2: binary data (byte 0x7F): not a text file"},
+  };
+  for (const auto& c : kCases) {
+    MeasurementFile file;
+    const MeasurementStatus status = ParseCsvSpectra(c.text, "bad.csv", {}, file);
+    EXPECT_FALSE(status.ok) << c.text;
+    EXPECT_EQ(status.error.Message(), c.message);
+  }
+}
+
+TEST(CsvSpectra, UnreadableFileIsAnError) {
+  MeasurementFile file;
+  const std::string path = std::string(VELQUOR_TEST_DATA_DIR) + "/samples/no_such_file.csv";
+  const MeasurementStatus status = ReadCsvSpectraFile(path, {}, file);
+  EXPECT_FALSE(status.ok);
+  EXPECT_EQ(status.error.Message(), path + ": cannot open the file (No such file or directory)");
+}
+
+TEST(MeasurementNumbers, ParseOnlyWholeFiniteNumbers) {
+  const struct {
+    const char* text;
+    bool decimalComma;
+    bool ok;
+    double value;
+  } kCases[] = {
+      {"0.25", false, true, 0.25},  {"+1.5e2", false, true, 150}, {"-0.01", false, true, -0.01},
+      {".5", false, true, 0.5},     {"0,25", true, true, 0.25},   {"0,25", false, false, 0},
+      {"1.5.2", false, false, 0},   {"++1", false, false, 0},     {"inf", false, false, 0},
+      {"nan", false, false, 0},     {"1e400", false, false, 0},   {"0x10", false, false, 0},
+      {"1 ", false, false, 0},      {"", false, false, 0},        {"-", false, false, 0},
+  };
+  for (const auto& c : kCases) {
+    double value = -99.0;
+    EXPECT_EQ(ParseMeasurementNumber(c.text, c.decimalComma, value), c.ok) << c.text;
+    if (c.ok) {
+      EXPECT_EQ(value, c.value) << c.text;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace velquor

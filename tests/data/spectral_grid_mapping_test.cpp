@@ -1,0 +1,241 @@
+#include "velquor/data/spectral_grid_mapping.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "velquor/data/csv_spectra.h"
+#include "velquor/frame/numeric.h"
+
+namespace velquor {
+namespace {
+
+double GridNm(std::size_t i) { return 360.0 + 10.0 * static_cast<double>(i); }
+
+std::vector<double> Range(double first, double step, double last) {
+  std::vector<double> values;
+  for (double w = first; w <= last + 1e-9; w += step) values.push_back(w);
+  return values;
+}
+
+std::vector<double> Sampled(const std::vector<double>& wavelengths, const std::function<double(double)>& f) {
+  std::vector<double> values;
+  for (const double w : wavelengths) values.push_back(f(w));
+  return values;
+}
+
+CKSData Map(const std::vector<double>& wavelengths, const std::vector<double>& values,
+            SpectralGridMapping* out = nullptr) {
+  SpectralGridMapping local;
+  SpectralGridMapping& mapping = out ? *out : local;
+  const MeasurementStatus status = mapping.Build(wavelengths);
+  EXPECT_TRUE(status.ok) << status.error.Message();
+  CKSData curve;
+  EXPECT_TRUE(mapping.Apply(values, 1.0, curve));
+  return curve;
+}
+
+// The ColorChecker file (380-780 nm at 5 nm, fractions): every grid point from 380 nm on is a
+// measured value times 100, exactly; 360 and 370 nm repeat the 380 nm value.
+TEST(SpectralGridMapping, ColorCheckerIsSampledAndExtrapolatedAtTheShortEnd) {
+  MeasurementFile file;
+  const std::string path = std::string(VELQUOR_TEST_DATA_DIR) + "/samples/colorchecker_ohta_380_780_5nm.csv";
+  ASSERT_TRUE(ReadCsvSpectraFile(path, {}, file).ok);
+  std::vector<MappedSample> mapped;
+  SpectralGridMapping mapping;
+  const MeasurementStatus status = MapMeasurementFile(file, mapped, &mapping);
+  ASSERT_TRUE(status.ok) << status.error.Message();
+  ASSERT_EQ(mapped.size(), 24u);
+  EXPECT_EQ(mapping.Method(), GridMappingMethod::kSampled);
+  EXPECT_EQ(mapping.ExtrapolatedWavelengths(), (std::vector<int>{360, 370}));
+  EXPECT_EQ(mapping.Describe(),
+            "sampled at the grid wavelengths; extrapolated by repeating the nearest measured value: 360, 370 nm");
+  for (std::size_t s = 0; s < mapped.size(); ++s) {
+    const std::vector<double>& values = file.samples[s].values;  // 380, 385, ... 780 nm
+    EXPECT_FALSE(mapped[s].hasMissing);
+    EXPECT_EQ(mapped[s].curve[0], values[0] * 100.0) << file.SampleLabel(s);
+    EXPECT_EQ(mapped[s].curve[1], values[0] * 100.0) << file.SampleLabel(s);
+    for (std::size_t i = 2; i < kSpectrumPoints; ++i) {
+      EXPECT_EQ(mapped[s].curve[i], values[(i - 2) * 2] * 100.0) << file.SampleLabel(s) << " at " << GridNm(i);
+    }
+  }
+  // "dark skin" at 380 nm is 0.0480 in the file; at 750 nm 0.4360.
+  EXPECT_DOUBLE_EQ(mapped[0].curve[0], 4.80);
+  EXPECT_DOUBLE_EQ(mapped[0].curve[39], 43.60);
+}
+
+// Sprague's interpolant is exact for polynomials of degree up to 4 where two measured bands
+// lie on each side of the interval. Data on a 20 nm grid from 300 to 800 nm puts every grid
+// point in such an interval.
+TEST(SpectralGridMapping, SpragueReproducesCubicAndQuarticOn20nmData) {
+  const std::vector<double> wavelengths = Range(300.0, 20.0, 800.0);
+  const std::vector<std::function<double(double)>> polynomials = {
+      [](double w) { const double x = (w - 550.0) / 100.0; return 40.0 + 7.0 * x - 3.0 * x * x + 2.0 * x * x * x; },
+      [](double w) { const double x = (w - 500.0) / 100.0; return 30.0 - 5.0 * x + x * x * x - 1.5 * x * x * x * x; },
+  };
+  for (const auto& f : polynomials) {
+    SpectralGridMapping mapping;
+    const CKSData curve = Map(wavelengths, Sampled(wavelengths, f), &mapping);
+    EXPECT_EQ(mapping.Method(), GridMappingMethod::kSprague);
+    EXPECT_TRUE(mapping.ExtrapolatedWavelengths().empty());
+    for (std::size_t i = 0; i < kSpectrumPoints; ++i) {
+      EXPECT_NEAR(curve[i], f(GridNm(i)), 1e-9 * std::fabs(f(GridNm(i)))) << GridNm(i);
+    }
+  }
+}
+
+// In the first and last intervals the CIE 167 boundary estimates stand in for the missing
+// neighbours. Expected values: 6 bands at 400..500 nm (20 nm), r_k = k^2, evaluated with exact
+// fractions from the CIE 167:2005 coefficients (interior and /209 boundary rows):
+// 410 nm = 103/304, 430 nm = 2709/1216, 450 nm = 25/4 (all neighbours measured: exact),
+// 470 nm = 14869/1216, 490 nm = 6183/304.
+TEST(SpectralGridMapping, SpragueBoundaryEstimatesMatchExactFractions) {
+  const std::vector<double> wavelengths = Range(400.0, 20.0, 500.0);
+  const std::vector<double> values = {0, 1, 4, 9, 16, 25};
+  const CKSData curve = Map(wavelengths, values);
+  const struct {
+    double nm;
+    double expected;
+  } kCases[] = {{410, 103.0 / 304.0}, {430, 2709.0 / 1216.0}, {450, 25.0 / 4.0},
+                {470, 14869.0 / 1216.0}, {490, 6183.0 / 304.0}};
+  for (const auto& c : kCases) {
+    const auto i = static_cast<std::size_t>((c.nm - 360.0) / 10.0);
+    EXPECT_NEAR(curve[i], c.expected, 1e-12 * c.expected) << c.nm;
+  }
+  // Straight lines survive the boundary estimates everywhere.
+  const auto line = [](double w) { return 3.0 + 0.25 * w; };
+  const CKSData straight = Map(wavelengths, Sampled(wavelengths, line));
+  for (std::size_t i = 4; i <= 14; ++i) EXPECT_NEAR(straight[i], line(GridNm(i)), 1e-10 * line(GridNm(i)));
+}
+
+// Irregular data and short regular data use the local cubic, exact for cubics (quadratics
+// with three bands).
+TEST(SpectralGridMapping, LagrangeReproducesCubicOnIrregularData) {
+  const auto cubic = [](double w) { const double x = (w - 500.0) / 100.0; return 20.0 + x - 4.0 * x * x + 3.0 * x * x * x; };
+  const auto quadratic = [](double w) { const double x = (w - 500.0) / 100.0; return 20.0 + x - 4.0 * x * x; };
+  const struct {
+    std::vector<double> wavelengths;
+    std::function<double(double)> f;
+  } kCases[] = {
+      {{360, 373, 395, 410, 452, 470, 505, 560, 600, 640, 690, 720, 750}, cubic},
+      {{360, 460, 560, 660, 760}, cubic},  // regular but too short for Sprague
+      {{360, 555, 750}, quadratic},
+  };
+  for (const auto& c : kCases) {
+    SpectralGridMapping mapping;
+    const CKSData curve = Map(c.wavelengths, Sampled(c.wavelengths, c.f), &mapping);
+    EXPECT_EQ(mapping.Method(), GridMappingMethod::kLagrange);
+    for (std::size_t i = 0; i < kSpectrumPoints; ++i) {
+      EXPECT_NEAR(curve[i], c.f(GridNm(i)), 1e-9 * std::fabs(c.f(GridNm(i))) + 1e-12) << GridNm(i);
+    }
+  }
+}
+
+// Extrapolation repeats the end values, and a band exactly at a grid end is not extrapolated.
+TEST(SpectralGridMapping, ExtrapolationRepeatsTheNearestMeasuredValue) {
+  const struct {
+    double first;
+    double last;
+    std::vector<int> extrapolated;
+  } kCases[] = {
+      {400, 700, {360, 370, 380, 390, 710, 720, 730, 740, 750}},
+      {360, 750, {}},
+      {370, 740, {360, 750}},
+      {350, 760, {}},
+  };
+  for (const auto& c : kCases) {
+    const std::vector<double> wavelengths = Range(c.first, 10.0, c.last);
+    std::vector<double> values = Sampled(wavelengths, [](double w) { return w / 10.0; });
+    SpectralGridMapping mapping;
+    const CKSData curve = Map(wavelengths, values, &mapping);
+    EXPECT_EQ(mapping.ExtrapolatedWavelengths(), c.extrapolated) << c.first << "-" << c.last;
+    for (std::size_t i = 0; i < kSpectrumPoints; ++i) {
+      const double nm = GridNm(i);
+      const double expected = nm < c.first ? c.first / 10.0 : nm > c.last ? c.last / 10.0 : nm / 10.0;
+      EXPECT_DOUBLE_EQ(curve[i], expected) << nm;
+      EXPECT_EQ(mapping.IsExtrapolated(i), nm < c.first || nm > c.last) << nm;
+    }
+  }
+}
+
+TEST(SpectralGridMapping, DescendingWavelengthsGiveTheSameCurve) {
+  const std::vector<double> up = Range(380.0, 20.0, 780.0);
+  const std::vector<double> down(up.rbegin(), up.rend());
+  const auto f = [](double w) { return 50.0 + 20.0 * std::sin(w / 60.0); };
+  const CKSData a = Map(up, Sampled(up, f));
+  const CKSData b = Map(down, Sampled(down, f));
+  for (std::size_t i = 0; i < kSpectrumPoints; ++i) EXPECT_NEAR(a[i], b[i], 1e-12) << GridNm(i);
+}
+
+TEST(SpectralGridMapping, RefusesWavelengthSetsThatCannotBeMapped) {
+  const struct {
+    std::vector<double> wavelengths;
+    const char* message;
+  } kCases[] = {
+      {{400, 410}, "only 2 spectral bands; at least 3 are needed"},
+      {{}, "only 0 spectral bands; at least 3 are needed"},
+      {{400, 410, 410, 420}, "duplicate wavelength 410 nm"},
+      {{400, 420, 410, 430}, "wavelengths are not monotone: 410 nm follows 420 nm"},
+      {{430, 420, 425}, "wavelengths are not monotone: 425 nm follows 420 nm"},
+      {{760, 770, 780}, "the measured range 760-780 nm does not overlap the grid 360-750 nm"},
+      {{300, 320, 340, 355}, "the measured range 300-355 nm does not overlap the grid 360-750 nm"},
+      {{400, NAN, 420}, "wavelength nan is not a positive finite number"},
+      {{0, 10, 20}, "wavelength 0 is not a positive finite number"},
+  };
+  for (const auto& c : kCases) {
+    SpectralGridMapping mapping;
+    const MeasurementStatus status = mapping.Build(c.wavelengths);
+    EXPECT_FALSE(status.ok);
+    EXPECT_EQ(status.error.text, c.message);
+    EXPECT_FALSE(mapping.IsValid());
+    CKSData curve;
+    EXPECT_FALSE(mapping.Apply(c.wavelengths, 1.0, curve));
+  }
+  // Touching the grid at one end is enough to map.
+  SpectralGridMapping touching;
+  EXPECT_TRUE(touching.Build(std::vector<double>{750, 760, 770}).ok);
+  EXPECT_EQ(touching.ExtrapolatedWavelengths().size(), 39u);
+}
+
+// A missing input value makes exactly the grid points computed from it missing.
+TEST(SpectralGridMapping, MissingValuesReachOnlyThePointsThatUseThem) {
+  // 5 nm data: 400 nm feeds only the 400 nm point; 405 nm feeds none.
+  {
+    const std::vector<double> wavelengths = Range(380.0, 5.0, 780.0);
+    std::vector<double> values(wavelengths.size(), 0.5);
+    values[4] = kMissing;  // 400 nm
+    values[5] = kMissing;  // 405 nm
+    const CKSData curve = Map(wavelengths, values);
+    for (std::size_t i = 0; i < kSpectrumPoints; ++i) EXPECT_EQ(IsMissing(curve[i]), GridNm(i) == 400.0) << GridNm(i);
+  }
+  // 20 nm data: Sprague on the interval [x_i, x_i+1] draws on x_i-2 ... x_i+3, so 400 nm feeds
+  // the points between 340 and 460 nm that were not measured; 360 ... 460 nm measured points
+  // and 470 nm (interval 460-480, bands 420-520) do not need it.
+  {
+    const std::vector<double> wavelengths = Range(300.0, 20.0, 800.0);
+    std::vector<double> values(wavelengths.size(), 40.0);
+    values[5] = kMissing;  // 400 nm
+    const CKSData curve = Map(wavelengths, values);
+    for (const double nm : {370.0, 390.0, 400.0, 410.0, 430.0, 450.0}) {
+      EXPECT_TRUE(IsMissing(curve[static_cast<std::size_t>((nm - 360) / 10)])) << nm;
+    }
+    for (const double nm : {360.0, 380.0, 420.0, 440.0, 460.0, 470.0, 750.0}) {
+      EXPECT_DOUBLE_EQ(curve[static_cast<std::size_t>((nm - 360) / 10)], 40.0) << nm;
+    }
+  }
+}
+
+TEST(SpectralGridMapping, FileErrorsNameTheFileAndTheHeaderLine) {
+  MeasurementFile file;
+  ASSERT_TRUE(ParseCsvSpectra("# two bands only\nname,400,410\na,0.1,0.2\n", "two.csv", {}, file).ok);
+  std::vector<MappedSample> mapped;
+  const MeasurementStatus status = MapMeasurementFile(file, mapped);
+  EXPECT_FALSE(status.ok);
+  EXPECT_EQ(status.error.Message(), "two.csv:2: only 2 spectral bands; at least 3 are needed");
+}
+
+}  // namespace
+}  // namespace velquor

@@ -1,0 +1,145 @@
+#include "velquor/data/atomic_file.h"
+
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+
+#if defined(__unix__) || defined(__APPLE__)
+#include <fcntl.h>
+#include <unistd.h>
+#define VELQUOR_ATOMIC_FILE_POSIX 1
+#endif
+
+namespace velquor {
+
+namespace {
+
+// Tries so many temporary names before giving up (another writer may hold one).
+constexpr int kNameAttempts = 16;
+
+std::atomic<unsigned> gTemporaryCounter{0};
+
+std::string TemporaryName(const std::string& path, int attempt) {
+  const auto ticks = static_cast<unsigned long long>(
+      std::chrono::steady_clock::now().time_since_epoch().count());
+  unsigned long long process = 0;
+#ifdef VELQUOR_ATOMIC_FILE_POSIX
+  process = static_cast<unsigned long long>(::getpid());
+#endif
+  const unsigned counter = gTemporaryCounter.fetch_add(1);
+  return path + ".tmp." + std::to_string(process) + "." + std::to_string(counter) + "." +
+         std::to_string((ticks + static_cast<unsigned long long>(attempt)) % 1000000);
+}
+
+#ifdef VELQUOR_ATOMIC_FILE_POSIX
+// Makes the rename itself durable: the folder's entry is flushed too.
+void SyncFolderOf(const std::string& path) {
+  std::filesystem::path folder = std::filesystem::path(path).parent_path();
+  if (folder.empty()) folder = ".";
+  const int fd = ::open(folder.c_str(), O_RDONLY);
+  if (fd >= 0) {
+    ::fsync(fd);
+    ::close(fd);
+  }
+}
+#endif
+
+}  // namespace
+
+AtomicFile::AtomicFile(std::string path) : path_(std::move(path)) {}
+
+AtomicFile::~AtomicFile() { Discard(); }
+
+bool AtomicFile::Open(std::string& error) noexcept {
+  try {
+    Discard();
+    failed_ = false;
+    writeError_ = 0;
+    for (int attempt = 0; attempt < kNameAttempts; ++attempt) {
+      temporaryPath_ = TemporaryName(path_, attempt);
+      // "x": fail rather than open a file that already exists.
+      file_ = std::fopen(temporaryPath_.c_str(), "wbx");
+      if (file_ != nullptr) return true;
+      if (errno != EEXIST) break;
+    }
+    error = std::strerror(errno);
+  } catch (...) {
+    error = std::strerror(ENOMEM);
+  }
+  temporaryPath_.clear();
+  return false;
+}
+
+bool AtomicFile::Write(std::string_view bytes) noexcept {
+  if (file_ == nullptr || failed_) return false;
+  if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size()) {
+    failed_ = true;
+    writeError_ = errno != 0 ? errno : EIO;
+  }
+  return !failed_;
+}
+
+bool AtomicFile::Commit(std::string& error) noexcept {
+  if (file_ == nullptr) {
+    error = std::strerror(EBADF);
+    return false;
+  }
+  bool ok = !failed_;
+  int reason = writeError_;
+  if (ok && std::fflush(file_) != 0) {
+    ok = false;
+    reason = errno;
+  }
+#ifdef VELQUOR_ATOMIC_FILE_POSIX
+  if (ok && ::fsync(::fileno(file_)) != 0) {
+    ok = false;
+    reason = errno;
+  }
+#endif
+  if (std::fclose(file_) != 0 && ok) {
+    ok = false;
+    reason = errno;
+  }
+  file_ = nullptr;
+  if (ok) {
+    std::error_code code;
+    std::filesystem::rename(temporaryPath_, path_, code);
+    if (code) {
+      ok = false;
+      reason = code.value();
+    }
+  }
+  if (!ok) {
+    error = std::strerror(reason != 0 ? reason : EIO);
+    Discard();
+    return false;
+  }
+#ifdef VELQUOR_ATOMIC_FILE_POSIX
+  SyncFolderOf(path_);
+#endif
+  temporaryPath_.clear();
+  return true;
+}
+
+void AtomicFile::Discard() noexcept {
+  if (file_ != nullptr) {
+    std::fclose(file_);
+    file_ = nullptr;
+  }
+  if (!temporaryPath_.empty()) {
+    std::remove(temporaryPath_.c_str());
+    temporaryPath_.clear();
+  }
+}
+
+bool WriteFileAtomically(const std::string& path, std::string_view content, std::string& error) noexcept {
+  AtomicFile file(path);
+  if (!file.Open(error)) return false;
+  file.Write(content);
+  return file.Commit(error);
+}
+
+}  // namespace velquor

@@ -1,0 +1,316 @@
+#include "velquor/data/cgats_reader.h"
+
+#include <algorithm>
+#include <charconv>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "velquor/data/measurement_text_ids.h"
+#include "velquor/frame/constants.h"
+
+namespace velquor {
+
+namespace {
+
+namespace text = measurement_text;
+
+// Longest piece of a bad value quoted back in a message.
+constexpr std::size_t kQuotedValueLimit = 40;
+
+struct Token {
+  std::string_view text;  // without quotes
+  std::size_t begin = 0;  // offset in the line, quotes included
+  std::size_t end = 0;
+  bool quoted = false;
+};
+
+bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+
+// Splits a CGATS line into tokens. Returns false on an unclosed quote.
+bool Tokenize(std::string_view line, std::vector<Token>& tokens) {
+  tokens.clear();
+  std::size_t i = 0;
+  const std::size_t n = line.size();
+  while (i < n) {
+    while (i < n && IsBlank(line[i])) ++i;
+    if (i == n || line[i] == '#') break;
+    Token token;
+    token.begin = i;
+    if (line[i] == '"' || line[i] == '\'') {
+      const char quote = line[i];
+      const std::size_t close = line.find(quote, i + 1);
+      if (close == std::string_view::npos) return false;
+      token.text = line.substr(i + 1, close - i - 1);
+      token.quoted = true;
+      i = close + 1;
+    } else {
+      const std::size_t start = i;
+      while (i < n && !IsBlank(line[i])) ++i;
+      token.text = line.substr(start, i - start);
+    }
+    token.end = i;
+    tokens.push_back(token);
+  }
+  return true;
+}
+
+bool ParseCount(std::string_view digits, std::size_t& value) {
+  if (digits.empty() || digits.size() > 9) return false;
+  const auto [end, ec] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  return ec == std::errc() && end == digits.data() + digits.size();
+}
+
+std::string Shorten(std::string_view value) {
+  if (value.size() <= kQuotedValueLimit) return std::string(value);
+  return std::string(value.substr(0, kQuotedValueLimit)) + "...";
+}
+
+class CgatsParser {
+ public:
+  CgatsParser(LineReader& reader, const std::string& source, MeasurementFile& out)
+      : reader_(reader), source_(source), out_(out) {}
+
+  MeasurementStatus Run(const ReadOptions& options);
+
+ private:
+  enum class State { kHeader, kFormat, kData, kAfter };
+
+  MeasurementStatus Fail(std::size_t line, std::string message) const {
+    return MeasurementStatus::Failure(source_, line, std::move(message));
+  }
+  MeasurementStatus HeaderLine(std::string_view line);
+  MeasurementStatus FinishFormat();
+  MeasurementStatus DataRow(std::string_view line);
+  void AddFieldName(std::string_view name) {
+    fieldNames_.emplace_back(name);
+    fieldLines_.push_back(reader_.LineNumber());
+  }
+
+  LineReader& reader_;
+  const std::string& source_;
+  MeasurementFile& out_;
+  std::vector<Token> tokens_;
+  State state_ = State::kHeader;
+  bool sawSignificantLine_ = false;
+  bool sawFormat_ = false;
+  std::size_t formatBegin_ = 0;
+  std::size_t dataBegin_ = 0;
+  std::size_t declaredFields_ = 0;
+  bool hasDeclaredFields_ = false;
+  std::size_t declaredSets_ = 0;
+  bool hasDeclaredSets_ = false;
+  std::vector<std::string> fieldNames_;
+  std::vector<std::size_t> fieldLines_;  // the line of each field name
+};
+
+MeasurementStatus CgatsParser::HeaderLine(std::string_view line) {
+  const std::size_t lineNumber = reader_.LineNumber();
+  const std::string_view word = tokens_.front().text;
+  const bool first = !sawSignificantLine_;
+  sawSignificantLine_ = true;
+  if (!tokens_.front().quoted) {
+    if (word == "BEGIN_DATA_FORMAT") {
+      if (sawFormat_) return Fail(lineNumber, FormatMeasurementText(text::kAppearsTwice, {word}));
+      sawFormat_ = true;
+      state_ = State::kFormat;
+      formatBegin_ = lineNumber;
+      out_.formatLine = lineNumber;
+      for (std::size_t i = 1; i < tokens_.size(); ++i) AddFieldName(tokens_[i].text);
+      return {};
+    }
+    if (word == "BEGIN_DATA") {
+      if (!sawFormat_) return Fail(lineNumber, FormatMeasurementText(text::kDataBeforeFormat));
+      state_ = State::kData;
+      dataBegin_ = lineNumber;
+      return {};
+    }
+    if (word == "END_DATA_FORMAT") {
+      return Fail(lineNumber, FormatMeasurementText(text::kEndWithoutBegin, {word, "BEGIN_DATA_FORMAT"}));
+    }
+    if (word == "END_DATA") {
+      return Fail(lineNumber, FormatMeasurementText(text::kEndWithoutBegin, {word, "BEGIN_DATA"}));
+    }
+    if (word == "NUMBER_OF_FIELDS" || word == "NUMBER_OF_SETS") {
+      std::size_t count = 0;
+      const std::string_view value = tokens_.size() == 2 ? tokens_[1].text : std::string_view();
+      if (tokens_.size() != 2 || !ParseCount(value, count)) {
+        const std::string_view rest = tokens_.size() > 1 ? line.substr(tokens_[1].begin) : std::string_view();
+        return Fail(lineNumber, FormatMeasurementText(text::kNotWholeNumber, {word, Shorten(rest)}));
+      }
+      if (word == "NUMBER_OF_FIELDS") {
+        declaredFields_ = count;
+        hasDeclaredFields_ = true;
+      } else {
+        declaredSets_ = count;
+        hasDeclaredSets_ = true;
+      }
+      return {};
+    }
+    if (first && tokens_.size() == 1) {
+      out_.identifier = std::string(word);
+      return {};
+    }
+  }
+  CgatsKeyword keyword;
+  keyword.name = std::string(word);
+  if (tokens_.size() > 1) {
+    keyword.value = std::string(line.substr(tokens_[1].begin, tokens_.back().end - tokens_[1].begin));
+  }
+  out_.keywords.push_back(std::move(keyword));
+  return {};
+}
+
+MeasurementStatus CgatsParser::FinishFormat() {
+  const std::size_t lineNumber = reader_.LineNumber();
+  if (hasDeclaredFields_ && declaredFields_ != fieldNames_.size()) {
+    return Fail(lineNumber, FormatMeasurementText(text::kFieldCountDeclared,
+                                                  {std::to_string(declaredFields_), std::to_string(fieldNames_.size())}));
+  }
+  // Hash lookups keep a hostile format of half a million names linear.
+  std::unordered_set<std::string_view> names;
+  std::unordered_map<double, std::size_t> columnOfWavelength;
+  for (std::size_t i = 0; i < fieldNames_.size(); ++i) {
+    const std::string& name = fieldNames_[i];
+    if (!names.insert(name).second) {
+      return Fail(fieldLines_[i], FormatMeasurementText(text::kDuplicateColumn, {name}));
+    }
+    MeasurementColumn column;
+    column.name = name;
+    double nm = 0.0;
+    if (ParseSpectralColumnName(name, false, nm)) {
+      const auto [at, added] = columnOfWavelength.emplace(nm, i);
+      if (!added) {
+        return Fail(fieldLines_[i], FormatMeasurementText(text::kDuplicateWavelengthColumn,
+                                                      {FormatMeasurementNumber(nm), fieldNames_[at->second], name}));
+      }
+      column.spectral = true;
+      column.index = out_.wavelengths.size();
+      out_.wavelengths.push_back(nm);
+    } else {
+      column.index = out_.fieldCount++;
+      if (name == "SAMPLE_ID") out_.idField = static_cast<std::ptrdiff_t>(column.index);
+      if (name == "SAMPLE_NAME") out_.nameField = static_cast<std::ptrdiff_t>(column.index);
+    }
+    out_.columns.push_back(std::move(column));
+  }
+  if (out_.wavelengths.empty()) return Fail(out_.formatLine, FormatMeasurementText(text::kNoSpectralColumns));
+  state_ = State::kHeader;
+  return {};
+}
+
+MeasurementStatus CgatsParser::DataRow(std::string_view /*line*/) {
+  const std::size_t lineNumber = reader_.LineNumber();
+  if (tokens_.size() != out_.columns.size()) {
+    return Fail(lineNumber, FormatMeasurementText(text::kRowFieldCount,
+                                                  {std::to_string(tokens_.size()), std::to_string(out_.columns.size())}));
+  }
+  MeasurementSample sample;
+  sample.line = lineNumber;
+  sample.fields.resize(out_.fieldCount);
+  sample.values.resize(out_.wavelengths.size());
+  for (std::size_t i = 0; i < tokens_.size(); ++i) {
+    const MeasurementColumn& column = out_.columns[i];
+    const Token& token = tokens_[i];
+    if (!column.spectral) {
+      sample.fields[column.index] = std::string(token.text);
+      continue;
+    }
+    double value = 0.0;
+    if (IsMissingValueText(token.text)) {
+      value = kMissing;
+    } else if (!ParseMeasurementNumber(token.text, false, value)) {
+      return Fail(lineNumber, FormatMeasurementText(text::kNotANumber, {column.name, Shorten(token.text)}));
+    }
+    sample.values[column.index] = value;
+  }
+  out_.samples.push_back(std::move(sample));
+  return {};
+}
+
+MeasurementStatus CgatsParser::Run(const ReadOptions& options) {
+  std::string_view line;
+  for (;;) {
+    const LineReader::Status status = reader_.Next(line);
+    if (status == LineReader::Status::kEnd) break;
+    if (status != LineReader::Status::kLine) return LineReaderFailure(reader_, status, source_);
+    if (!Tokenize(line, tokens_)) return Fail(reader_.LineNumber(), FormatMeasurementText(text::kUnclosedQuote));
+    if (tokens_.empty()) continue;
+    const bool keyword = !tokens_.front().quoted;
+    const std::string_view word = tokens_.front().text;
+    MeasurementStatus result;
+    switch (state_) {
+      case State::kHeader:
+        result = HeaderLine(line);
+        break;
+      case State::kFormat:
+        for (std::size_t i = 0; i < tokens_.size(); ++i) {
+          if (!tokens_[i].quoted && tokens_[i].text == "END_DATA_FORMAT") {
+            result = FinishFormat();
+            break;
+          }
+          AddFieldName(tokens_[i].text);
+        }
+        break;
+      case State::kData:
+        if (keyword && word == "END_DATA") {
+          if (hasDeclaredSets_ && declaredSets_ != out_.samples.size()) {
+            return Fail(reader_.LineNumber(),
+                        FormatMeasurementText(text::kSetCountDeclared, {std::to_string(declaredSets_),
+                                                                        std::to_string(out_.samples.size())}));
+          }
+          state_ = State::kAfter;
+        } else {
+          result = DataRow(line);
+        }
+        break;
+      case State::kAfter:
+        out_.notes.push_back({reader_.LineNumber(), FormatMeasurementText(text::kAfterEndData)});
+        FinishMeasurementFile(out_, options.scale);
+        return {};
+    }
+    if (!result) return result;
+  }
+  if (reader_.Empty()) return Fail(0, FormatMeasurementText(text::kEmptyFile));
+  switch (state_) {
+    case State::kFormat:
+      return Fail(formatBegin_, FormatMeasurementText(text::kUnterminatedFormat, {std::to_string(formatBegin_)}));
+    case State::kData:
+      return Fail(dataBegin_, FormatMeasurementText(text::kUnterminatedData, {std::to_string(dataBegin_)}));
+    case State::kHeader:
+      if (!sawFormat_) return Fail(0, FormatMeasurementText(text::kNotCgats));
+      return Fail(0, FormatMeasurementText(text::kNoSamples));
+    case State::kAfter:
+      break;
+  }
+  if (out_.samples.empty()) return Fail(dataBegin_, FormatMeasurementText(text::kNoSamples));
+  FinishMeasurementFile(out_, options.scale);
+  return {};
+}
+
+}  // namespace
+
+MeasurementStatus ReadCgats(LineReader& reader, const std::string& source, const ReadOptions& options,
+                            MeasurementFile& out) noexcept {
+  return ReadWithoutThrowing(source, [&]() {
+    out = MeasurementFile();
+    out.source = source;
+    out.format = MeasurementFormat::kCgats;
+    CgatsParser parser(reader, source, out);
+    return parser.Run(options);
+  });
+}
+
+MeasurementStatus ParseCgats(std::string_view text, const std::string& source, const ReadOptions& options,
+                             MeasurementFile& out) noexcept {
+  LineReader reader(text);
+  return ReadCgats(reader, source, options, out);
+}
+
+MeasurementStatus ReadCgatsFile(const std::string& path, const ReadOptions& options, MeasurementFile& out) noexcept {
+  return ReadWithoutThrowing(path, [&]() {
+    return ReadLinesOfFile(path, [&](LineReader& reader) { return ReadCgats(reader, path, options, out); });
+  });
+}
+
+}  // namespace velquor

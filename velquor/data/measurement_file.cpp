@@ -1,0 +1,310 @@
+#include "velquor/data/measurement_file.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+#include "velquor/data/measurement_text_ids.h"
+#include "velquor/frame/constants.h"
+#include "velquor/frame/numeric.h"
+#include "velquor/frame/resources.h"
+
+namespace velquor {
+
+namespace {
+
+char ToUpperAscii(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c; }
+
+bool StartsWithNoCase(std::string_view text, std::string_view prefix) {
+  if (text.size() < prefix.size()) return false;
+  for (std::size_t i = 0; i < prefix.size(); ++i) {
+    if (ToUpperAscii(text[i]) != prefix[i]) return false;
+  }
+  return true;
+}
+
+bool EqualsNoCase(std::string_view text, std::string_view upper) {
+  return text.size() == upper.size() && StartsWithNoCase(text, upper);
+}
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+// "380" or "382.5": digits, optionally a point and more digits; (0, 100000) nm.
+bool ParseWavelengthDigits(std::string_view text, double& nanometres) {
+  std::size_t i = 0;
+  while (i < text.size() && IsDigit(text[i])) ++i;
+  if (i == 0) return false;
+  if (i < text.size()) {
+    if (text[i] != '.') return false;
+    const std::size_t fractionStart = ++i;
+    while (i < text.size() && IsDigit(text[i])) ++i;
+    if (i == fractionStart || i != text.size()) return false;
+  }
+  double value = 0.0;
+  const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (ec != std::errc() || end != text.data() + text.size()) return false;
+  if (!(value > 0.0 && value < 100000.0)) return false;
+  nanometres = value;
+  return true;
+}
+
+std::string FormatWavelength(double nanometres) { return FormatMeasurementNumber(nanometres); }
+
+}  // namespace
+
+std::string MeasurementError::Message() const {
+  std::string message;
+  if (!file.empty()) {
+    message = file;
+    if (line > 0) {
+      message.push_back(':');
+      message.append(std::to_string(line));
+    }
+    message += ": ";
+  } else if (line > 0) {
+    message = "line ";
+    message.append(std::to_string(line));
+    message.append(": ");
+  }
+  message += text;
+  return message;
+}
+
+MeasurementStatus MeasurementStatus::Failure(std::string file, std::size_t line, std::string text) {
+  MeasurementStatus status;
+  status.ok = false;
+  status.error.file = std::move(file);
+  status.error.line = line;
+  status.error.text = std::move(text);
+  return status;
+}
+
+bool ParseSpectralColumnName(std::string_view name, bool allowPlain, double& nanometres) {
+  // Longer prefixes first, so that "SPECTRAL_NM_380" is not read as "SPECTRAL_" + "NM_380".
+  static constexpr std::array<std::string_view, 7> kPrefixes = {
+      "SPECTRAL_NM_", "SPECTRAL_NM", "SPECTRAL_", "SPEC_", "NM_", "NM", "R_"};
+  for (const std::string_view prefix : kPrefixes) {
+    if (StartsWithNoCase(name, prefix) && ParseWavelengthDigits(name.substr(prefix.size()), nanometres)) {
+      return true;
+    }
+  }
+  if (!allowPlain) return false;
+  std::string_view number = name;
+  if (number.size() >= 2 && EqualsNoCase(number.substr(number.size() - 2), "NM")) {
+    number.remove_suffix(2);
+    if (number.ends_with(' ')) number.remove_suffix(1);
+  }
+  return ParseWavelengthDigits(number, nanometres);
+}
+
+bool ParseMeasurementNumber(std::string_view text, bool decimalComma, double& value) {
+  if (text.empty()) return false;
+  if (text.front() == '+') {
+    text.remove_prefix(1);
+    if (text.empty() || text.front() == '-' || text.front() == '+') return false;
+  }
+  // Only decimal digits, a sign, the decimal separator and an exponent may appear: this keeps
+  // out "inf", "nan" and hexadecimal forms, which from_chars would otherwise take.
+  std::array<char, 64> buffer{};
+  if (text.size() >= buffer.size()) return false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    char c = text[i];
+    if (decimalComma && c == ',') c = '.';
+    else if (c == ',') return false;
+    if (!(IsDigit(c) || c == '.' || c == '-' || c == '+' || c == 'e' || c == 'E')) return false;
+    buffer[i] = c;
+  }
+  double parsed = 0.0;
+  const char* end = buffer.data() + text.size();
+  const auto [stop, ec] = std::from_chars(buffer.data(), end, parsed, std::chars_format::general);
+  if (ec != std::errc() || stop != end || !std::isfinite(parsed)) return false;
+  value = parsed;
+  return true;
+}
+
+bool IsMissingValueText(std::string_view text) {
+  return text.empty() || EqualsNoCase(text, "NA") || EqualsNoCase(text, "N/A") ||
+         EqualsNoCase(text, "NAN") || text == "-";
+}
+
+std::string FormatMeasurementNumber(double value) {
+  std::array<char, 32> buffer{};
+  const auto [end, ec] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
+  if (ec != std::errc()) return "0";
+  return std::string(buffer.data(), end);
+}
+
+std::string FormatMeasurementText(std::uint32_t id, std::initializer_list<std::string_view> args) {
+  const std::string pattern = LoadStringResource(id);
+  std::string text;
+  text.reserve(pattern.size() + 32);
+  for (std::size_t i = 0; i < pattern.size(); ++i) {
+    const char c = pattern[i];
+    if (c == '%' && i + 1 < pattern.size()) {
+      const char next = pattern[i + 1];
+      if (next == '%') {
+        text.push_back('%');
+        ++i;
+        continue;
+      }
+      if (next >= '1' && next <= '9') {
+        const auto arg = static_cast<std::size_t>(next - '1');
+        if (arg < args.size()) text.append(*(args.begin() + arg));
+        ++i;
+        continue;
+      }
+    }
+    text.push_back(c);
+  }
+  return text;
+}
+
+std::string MeasurementFile::SampleLabel(std::size_t sample) const {
+  const MeasurementSample& s = samples[sample];
+  if (nameField >= 0 && static_cast<std::size_t>(nameField) < s.fields.size() &&
+      !s.fields[static_cast<std::size_t>(nameField)].empty()) {
+    return s.fields[static_cast<std::size_t>(nameField)];
+  }
+  if (idField >= 0 && static_cast<std::size_t>(idField) < s.fields.size() &&
+      !s.fields[static_cast<std::size_t>(idField)].empty()) {
+    return s.fields[static_cast<std::size_t>(idField)];
+  }
+  std::string label = "#";
+  label.append(std::to_string(sample + 1));
+  return label;
+}
+
+std::vector<double> MeasurementFile::MissingWavelengths(std::size_t sample) const {
+  std::vector<double> missing;
+  const std::vector<double>& values = samples[sample].values;
+  for (std::size_t i = 0; i < values.size() && i < wavelengths.size(); ++i) {
+    if (IsMissing(values[i])) missing.push_back(wavelengths[i]);
+  }
+  return missing;
+}
+
+double MeasurementFile::PercentFactor() const { return scale == ReflectanceScale::kPercent ? 1.0 : 100.0; }
+
+std::string MeasurementFile::DescribeScale() const {
+  const bool percent = scale == ReflectanceScale::kPercent;
+  std::uint32_t id = 0;
+  if (scaleDetected) {
+    id = percent ? measurement_text::kScalePercentDetected : measurement_text::kScaleFractionDetected;
+  } else {
+    id = percent ? measurement_text::kScalePercentTold : measurement_text::kScaleFractionTold;
+  }
+  return FormatMeasurementText(id, {FormatMeasurementNumber(largestValue)});
+}
+
+void FinishMeasurementFile(MeasurementFile& file, ReflectanceScale requested) {
+  double largest = 0.0;
+  bool any = false;
+  for (std::size_t s = 0; s < file.samples.size(); ++s) {
+    std::string missing;
+    for (std::size_t i = 0; i < file.samples[s].values.size(); ++i) {
+      const double v = file.samples[s].values[i];
+      if (IsMissing(v)) {
+        if (!missing.empty()) missing += ", ";
+        missing += FormatWavelength(file.wavelengths[i]);
+        continue;
+      }
+      if (!any || v > largest) largest = v;
+      any = true;
+    }
+    if (!missing.empty()) {
+      file.notes.push_back(
+          {file.samples[s].line,
+           FormatMeasurementText(measurement_text::kMissingValues, {file.SampleLabel(s), missing})});
+    }
+  }
+  file.largestValue = largest;
+  if (requested == ReflectanceScale::kAuto) {
+    file.scale = largest > kPercentDetectionThreshold ? ReflectanceScale::kPercent : ReflectanceScale::kFraction;
+    file.scaleDetected = true;
+  } else {
+    file.scale = requested;
+    file.scaleDetected = false;
+  }
+}
+
+void SetMeasurementScale(MeasurementFile& file, ReflectanceScale scale) {
+  if (scale == ReflectanceScale::kAuto || scale == file.scale) return;
+  const double factor = scale == ReflectanceScale::kPercent ? 100.0 : 0.01;
+  for (MeasurementSample& sample : file.samples) {
+    for (double& v : sample.values) {
+      if (!IsMissing(v)) v *= factor;
+    }
+  }
+  if (!IsMissing(file.largestValue)) file.largestValue *= factor;
+  file.scale = scale;
+}
+
+void AddMeasurementColumn(MeasurementFile& file, std::string name, const std::vector<std::string>& values) {
+  const std::size_t index = file.fieldCount++;
+  file.columns.push_back({std::move(name), false, index});
+  for (std::size_t s = 0; s < file.samples.size(); ++s) {
+    file.samples[s].fields.resize(index + 1);
+    if (s < values.size()) file.samples[s].fields[index] = values[s];
+  }
+}
+
+MeasurementStatus LineReaderFailure(const LineReader& reader, LineReader::Status status,
+                                    const std::string& source) {
+  const std::size_t line = reader.LineNumber();
+  switch (status) {
+    case LineReader::Status::kTooLong:
+      return MeasurementStatus::Failure(
+          source, line, FormatMeasurementText(measurement_text::kLineTooLong, {std::to_string(kMaxLineLength)}));
+    case LineReader::Status::kBinary: {
+      static constexpr char kHex[] = "0123456789ABCDEF";
+      const unsigned char byte = reader.BinaryByte();
+      const char hex[2] = {kHex[byte >> 4], kHex[byte & 15]};
+      return MeasurementStatus::Failure(
+          source, line, FormatMeasurementText(measurement_text::kBinaryData, {std::string_view(hex, 2)}));
+    }
+    case LineReader::Status::kReadError:
+      return MeasurementStatus::Failure(source, line,
+                                        FormatMeasurementText(measurement_text::kReadError, {std::strerror(EIO)}));
+    case LineReader::Status::kEnd:
+    case LineReader::Status::kLine:
+      break;
+  }
+  return MeasurementStatus::Failure(source, 0, FormatMeasurementText(measurement_text::kEmptyFile));
+}
+
+MeasurementStatus ReadLinesOfFile(const std::string& path,
+                                  const std::function<MeasurementStatus(LineReader&)>& read) {
+  std::FILE* file = std::fopen(path.c_str(), "rb");
+  if (file == nullptr) {
+    const int error = errno;
+    return MeasurementStatus::Failure(path, 0,
+                                      FormatMeasurementText(measurement_text::kCannotOpen, {std::strerror(error)}));
+  }
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> closer(file, &std::fclose);
+  LineReader reader(file);
+  return read(reader);
+}
+
+MeasurementStatus ReadWithoutThrowing(const std::string& source,
+                                      const std::function<MeasurementStatus()>& read) noexcept {
+  try {
+    return read();
+  } catch (...) {
+    // Only allocation can throw here (std::bad_alloc, std::length_error).
+  }
+  MeasurementStatus status;
+  status.ok = false;
+  try {
+    status.error.file = source;
+    status.error.text = FormatMeasurementText(measurement_text::kOutOfMemory);
+  } catch (...) {
+  }
+  return status;
+}
+
+}  // namespace velquor
