@@ -85,7 +85,7 @@ TEST(CsvSpectra, KeepsOtherColumnsQuotingAndMissingValuesThroughAWrite) {
   ASSERT_TRUE(FormatCsvSpectra(file, {}, written));
   EXPECT_EQ(written,
             "id,name,400,410,420,comment\n"
-            "1,Red; deep,10.5,20,30,\"said \"\"ok\"\"\"\n"
+            "1,\"Red; deep\",10.5,20,30,\"said \"\"ok\"\"\"\n"
             "2,Blue,,21.25,,\n");
   MeasurementFile back;
   ASSERT_TRUE(ParseCsvSpectra(written, "out.csv", {}, back).ok);

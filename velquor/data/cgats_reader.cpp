@@ -254,6 +254,7 @@ MeasurementStatus CgatsParser::Run(const ReadOptions& options) {
         break;
       case State::kData:
         if (keyword && word == "END_DATA") {
+          if (out_.samples.empty()) return Fail(dataBegin_, FormatMeasurementText(text::kNoSamples));
           if (hasDeclaredSets_ && declaredSets_ != out_.samples.size()) {
             return Fail(reader_.LineNumber(),
                         FormatMeasurementText(text::kSetCountDeclared, {std::to_string(declaredSets_),
@@ -283,7 +284,6 @@ MeasurementStatus CgatsParser::Run(const ReadOptions& options) {
     case State::kAfter:
       break;
   }
-  if (out_.samples.empty()) return Fail(dataBegin_, FormatMeasurementText(text::kNoSamples));
   FinishMeasurementFile(out_, options.scale);
   return {};
 }

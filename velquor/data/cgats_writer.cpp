@@ -131,7 +131,11 @@ bool FormatCgats(const MeasurementFile& file, const CgatsWriteOptions& options, 
           continue;
         }
         const double value = column.index < sample.values.size() ? sample.values[column.index] : kMissing;
-        out.append(IsMissing(value) ? std::string("\"\"") : FormatMeasurementNumber(value));
+        if (IsMissing(value)) {
+          out.append("\"\"");
+        } else {
+          AppendMeasurementNumber(out, value);
+        }
       }
       out.push_back('\n');
     }

@@ -237,7 +237,8 @@ MeasurementStatus CsvParser::Run(const ReadOptions& options) {
 void AppendCsvField(std::string& out, std::string_view field) {
   bool quote = !field.empty() && (IsBlank(field.front()) || IsBlank(field.back()) || field.front() == '#');
   for (const char c : field) {
-    if (c == ',' || c == '"' || c == '\n' || c == '\r') quote = true;
+    // ';' and TAB too: unquoted, they could outnumber the commas and be taken for the delimiter.
+    if (c == ',' || c == '"' || c == '\n' || c == '\r' || c == ';' || c == '\t') quote = true;
   }
   if (!quote) {
     out.append(field);
@@ -304,10 +305,18 @@ bool FormatCsvSpectra(const MeasurementFile& file, const CsvWriteOptions& option
     for (std::size_t i = 0; i < file.columns.size(); ++i) {
       if (i > 0) out.push_back(',');
       const MeasurementColumn& column = file.columns[i];
-      AppendCsvField(out, column.spectral ? SpectralColumnName(file, column, options.spectralNames) : column.name);
+      if (column.spectral) {
+        AppendCsvField(out, SpectralColumnName(file, column, options.spectralNames));
+        continue;
+      }
+      // A text column whose name reads as a wavelength ("380" from a CGATS file) is renamed,
+      // so that it stays a text column.
+      double nm = 0.0;
+      AppendCsvField(out, ParseSpectralColumnName(column.name, true, nm) ? "X_" + column.name : column.name);
     }
     out.push_back('\n');
     for (const MeasurementSample& sample : file.samples) {
+      const std::size_t rowStart = out.size();
       for (std::size_t i = 0; i < file.columns.size(); ++i) {
         if (i > 0) out.push_back(',');
         const MeasurementColumn& column = file.columns[i];
@@ -316,8 +325,10 @@ bool FormatCsvSpectra(const MeasurementFile& file, const CsvWriteOptions& option
           continue;
         }
         const double value = column.index < sample.values.size() ? sample.values[column.index] : kMissing;
-        if (!IsMissing(value)) out.append(FormatMeasurementNumber(value));
+        if (!IsMissing(value)) AppendMeasurementNumber(out, value);
       }
+      // A row of empty fields would be a blank line, which readers skip: quote its first field.
+      if (out.find_first_not_of(',', rowStart) == std::string::npos) out.insert(rowStart, "\"\"");
       out.push_back('\n');
     }
     return true;

@@ -15,7 +15,10 @@
 // Errors name the file and line (see cgats_reader.h for the kinds). Nothing throws.
 //
 // Writing: the header and one row per sample, columns in the file's order, ',' as delimiter,
-// numbers in the shortest form that reads back exactly, missing values as empty fields.
+// numbers in the shortest form that reads back exactly, missing values as empty fields. Text
+// holding ',', ';', TAB or a quote is quoted; a text column whose name would read as a
+// wavelength gets the prefix "X_", and a row of nothing but empty fields starts with "", so
+// that the output reads back as the same table.
 #pragma once
 
 #include <string>

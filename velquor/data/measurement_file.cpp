@@ -139,6 +139,16 @@ std::string FormatMeasurementNumber(double value) {
   return std::string(buffer.data(), end);
 }
 
+void AppendMeasurementNumber(std::string& out, double value) {
+  std::array<char, 32> buffer{};
+  const auto [end, ec] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
+  if (ec != std::errc()) {
+    out.push_back('0');
+    return;
+  }
+  out.append(buffer.data(), end);
+}
+
 std::string FormatMeasurementText(std::uint32_t id, std::initializer_list<std::string_view> args) {
   const std::string pattern = LoadStringResource(id);
   std::string text;

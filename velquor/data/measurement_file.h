@@ -139,6 +139,8 @@ bool IsMissingValueText(std::string_view text);
 
 // Shortest text that reads back as exactly `value` ("0.048", "12.5", "1e-05").
 std::string FormatMeasurementNumber(double value);
+// The same, appended to `out` (no temporary string: the writers call it per value).
+void AppendMeasurementNumber(std::string& out, double value);
 
 // Decides the scale after reading (`requested` kAuto: from the largest value) and adds a
 // note for every sample with missing values.
