@@ -47,5 +47,6 @@ void BindColorimetry(py::module_& m);
 void BindDifference(py::module_& m);
 void BindIndices(py::module_& m);
 void BindStrength(py::module_& m);
+void BindMeasurement(py::module_& m);
 
 }  // namespace velquor::python

@@ -63,4 +63,5 @@ PYBIND11_MODULE(_velquor, m) {
   vp::BindDifference(m);
   vp::BindIndices(m);
   vp::BindStrength(m);
+  vp::BindMeasurement(m);
 }

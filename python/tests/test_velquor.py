@@ -303,3 +303,68 @@ def test_apparent_strength_by_hand():
     batches = np.stack([np.full(40, 50.0), np.full(40, 45.0)])
     got = velquor.strength(std, batches, "apparent")
     np.testing.assert_allclose(got, [100.0, 100.0 * (0.3025 / 0.9) / 0.25], rtol=1e-9)
+
+
+# --- measurement files and the grid --------------------------------------------------------
+
+CGATS_TEXT = """CGATS.17
+ORIGINATOR "velquor tests"
+NUMBER_OF_FIELDS 4
+BEGIN_DATA_FORMAT
+SAMPLE_ID SPECTRAL_NM_400 SPECTRAL_NM_500 SPECTRAL_NM_600
+END_DATA_FORMAT
+NUMBER_OF_SETS 2
+BEGIN_DATA
+1 10 20 30
+2 40 "" 60
+END_DATA
+"""
+
+
+def test_read_cgats_text_maps_onto_the_grid():
+    got = velquor.read_spectra("memory.cgats", text=CGATS_TEXT)
+    spectra = got["spectra"]
+    assert spectra.shape == (2, 40) and got["labels"] == ["1", "2"]
+    # Three bands take the quadratic through them: here the line 10 + 0.1 (nm - 400); outside
+    # 400-600 nm the nearest measured value is repeated.
+    expected = np.clip(10.0 + 0.1 * (velquor.WAVELENGTHS - 400.0), 10.0, 30.0)
+    np.testing.assert_allclose(spectra[0], expected, rtol=1e-12)
+    # The empty value is missing; every grid point inside 400-600 nm leans on it.
+    inside = (velquor.WAVELENGTHS > 400) & (velquor.WAVELENGTHS < 600)
+    assert velquor.is_missing(spectra[1, inside]).all()
+    assert spectra[1, 0] == 40.0 and spectra[1, -1] == 60.0
+    assert got["notes"] and "500 nm" in got["notes"][0][1]
+
+
+def test_read_csv_file_in_fractions():
+    path = (__import__("pathlib").Path(__file__).resolve().parents[2] / "tests" / "data" /
+            "samples" / "colorchecker_ohta_380_780_5nm.csv")
+    got = velquor.read_spectra(path)
+    assert got["spectra"].shape == (24, 40) and got["labels"][0] == "dark skin"
+    # "dark skin" is 0.048 at 380 nm in the file: 4.8 % there and, repeated, at 360 and 370 nm.
+    np.testing.assert_allclose(got["spectra"][0, :3], 4.8, rtol=1e-12)
+    np.testing.assert_array_equal(
+        velquor.map_to_grid(got["wavelengths"], got["values"], "fraction"), got["spectra"])
+
+
+def test_map_to_grid_reproduces_a_line_from_offset_bands():
+    # Regular 20 nm bands offset from the grid: Sprague interpolation reproduces straight lines.
+    wavelengths = np.arange(355.0, 756.0, 20.0)
+    values = np.stack([20.0 + 0.05 * wavelengths, 80.0 - 0.1 * (wavelengths - 355.0)])
+    grid = velquor.map_to_grid(wavelengths, values)
+    np.testing.assert_allclose(grid[0], 20.0 + 0.05 * velquor.WAVELENGTHS, rtol=1e-12)
+    np.testing.assert_allclose(grid[1], 80.0 - 0.1 * (velquor.WAVELENGTHS - 355.0), rtol=1e-12)
+
+
+@pytest.mark.parametrize("call, error", [
+    (lambda: velquor.read_spectra("/nonexistent/file.cgats"), FileNotFoundError),
+    (lambda: velquor.read_spectra("bad.cgats", text=CGATS_TEXT.replace("SETS 2", "SETS 3")),
+     ValueError),
+    (lambda: velquor.read_spectra("x.cgats", scale="percentage", text=CGATS_TEXT), ValueError),
+    (lambda: velquor.read_spectra("x.txt", format="xml", text=""), KeyError),
+    (lambda: velquor.map_to_grid([400, 400, 500], [1, 2, 3]), ValueError),
+    (lambda: velquor.map_to_grid([400, 500, 600], [1, 2]), ValueError),
+])
+def test_measurement_errors(call, error):
+    with pytest.raises(error):
+        call()

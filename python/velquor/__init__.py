@@ -18,6 +18,7 @@ calculations themselves never raise. Wrong shapes raise ValueError, unknown name
 """
 
 import math
+import os
 import re
 
 import numpy as np
@@ -29,7 +30,7 @@ __all__ = [
     "observer_code", "system_code", "weight_table", "white_point", "xyz", "lab", "luv",
     "hunter_lab", "din99", "chroma_hue", "difference", "delta_e", "difference_labels",
     "whiteness", "yellowness", "tint", "filter_value", "indices", "strength",
-    "SPECTRUM_POINTS", "WAVELENGTHS",
+    "read_spectra", "map_to_grid", "SPECTRUM_POINTS", "WAVELENGTHS",
 ]
 
 #: The missing value: a point or result that is absent or could not be computed.
@@ -457,3 +458,45 @@ def strength(std, batch, method="apparent", illuminant="D65", observer=10, *,
     if return_wavelength:
         return _shaped(values, shape), _shaped(used, shape)
     return _shaped(values, shape)
+
+
+# ---------------------------------------------------------------------------------------------
+# Measurement files and the spectral grid
+
+
+def read_spectra(path, format=None, scale="auto", *, text=None):
+    """Reads a CGATS.17 or CSV file of measured spectra and maps them onto the library's grid.
+
+    format: "cgats" or "csv"; by default from the file name (".csv" is CSV, anything else
+    CGATS). scale: "auto" (values above 2 mean percent), "fraction" or "percent". With
+    ``text`` the file's content is given as a string and ``path`` only names it in messages.
+    Returns a dict: "spectra" ``(n, 40)`` in percent at 360-750 nm (Sprague interpolation
+    after CIE 167:2005 where the file's grid is coarser or offset, the nearest value repeated
+    outside the measured range; missing values stay missing), "labels" (sample names),
+    "wavelengths" and "values" as measured, "field_names" and "fields" (the non-spectral
+    columns as text), "scale" and "mapping" (how the values were read and mapped) and
+    "notes" ((line, text) pairs). A file that cannot be read raises FileNotFoundError or
+    ValueError with the file and line."""
+    path = os.fspath(path)
+    if format is None:
+        format = "csv" if path.lower().endswith(".csv") else "cgats"
+    format = format.lower()
+    if format not in ("cgats", "csv"):
+        raise KeyError(f"unknown file format {format!r}; use 'cgats' or 'csv'")
+    if text is None and not os.path.isfile(path):
+        raise FileNotFoundError(path)
+    return _velquor.read_spectra(path, format, scale, text)
+
+
+def map_to_grid(wavelengths, values, scale="percent"):
+    """Spectra measured at ``wavelengths`` (nm, strictly monotonic, reaching into 360-750 nm)
+    onto the library's grid: ``values`` ``(..., len(wavelengths))`` -> ``(..., 40)`` percent.
+    scale: "percent" or "fraction" (values multiplied by 100). Interpolation as
+    :func:`read_spectra`; a wavelength set the mapping refuses raises ValueError."""
+    wavelengths = [float(w) for w in np.atleast_1d(np.asarray(wavelengths, dtype=np.float64))]
+    factor = {"percent": 1.0, "fraction": 100.0}.get(scale)
+    if factor is None:
+        raise KeyError(f"unknown scale {scale!r}; use 'percent' or 'fraction'")
+    values = _components(values, len(wavelengths), "values")
+    return _velquor.map_to_grid(wavelengths, _rows(values), factor).reshape(
+        values.shape[:-1] + (SPECTRUM_POINTS,))
