@@ -165,6 +165,19 @@ int vq_angle_name(int code, char* buffer, size_t size) VQ_NOEXCEPT;
  * code -1 gives the standard geometries alone. */
 int vq_angle_filter(int code, char* buffer, size_t size) VQ_NOEXCEPT;
 
+/* Maps `count` spectra measured at `band_count` wavelengths (nm, strictly increasing or
+ * decreasing; spectrum k is values[k * band_count ...]) onto the library's grid, 40 doubles
+ * each, multiplied by `to_percent` (100 for fractions, 1 for percent). Measured grid points
+ * are taken as they are; the others inside the measured range are interpolated (Sprague,
+ * CIE 167:2005, for regular data of 6 or more bands, else a local cubic); points outside it
+ * repeat the nearest measured value (CIE 15:2004). A missing value makes the grid points
+ * computed from it missing. VQ_ERR_FAILED for a wavelength set that cannot be mapped (fewer
+ * than 3 bands, a repeated wavelength, a range that does not reach the grid), with the reason
+ * in `error` (may be NULL with error_size 0). */
+int vq_map_to_grid(const double* wavelengths, size_t band_count, const double* values,
+                   size_t count, double to_percent, double* spectra, char* error,
+                   size_t error_size) VQ_NOEXCEPT;
+
 /* ---- Colorimetry ------------------------------------------------------------------------- */
 
 /* Texts of illuminant `index` (0..30): the whole "code|name" text, the code or the name. */
@@ -345,14 +358,46 @@ int vq_describe_shade(const vq_coords5* standard, const vq_diff7* difference, in
 #define VQ_INDEX_TINT_GANZ 64
 #define VQ_INDEX_YI_DCM 65
 
+#define VQ_INDEX_DOMINANT_WAVELENGTH 23 /* nm; negative: complementary (purple line) */
+#define VQ_INDEX_EXCITATION_PURITY 24   /* percent */
+
 /* The index `identifier` of a sample. `coefficients` are read only by Ganz/Griesser (whiteness
  * D, P, Q, C; tint m, n, k0) and must then not be NULL. VQ_ERR_UNSUPPORTED for identifiers
- * not listed above. */
+ * not listed above (the fastness grades compare two samples: vq_fastness). */
 int vq_index(uint32_t identifier, int illuminant, int observer, const vq_xyz* xyz,
              const double* coefficients, double* value) VQ_NOEXCEPT;
 /* The same over `count` samples. */
 int vq_index_batch(uint32_t identifier, int illuminant, int observer, const vq_xyz* xyz,
                    size_t count, const double* coefficients, double* values) VQ_NOEXCEPT;
+/* Dominant wavelength (nm, negative for a complementary wavelength) and excitation purity
+ * (percent) of a sample (CIE 15:2004, 9.1); a sample at the white point has purity 0 and a
+ * missing wavelength. */
+int vq_dominant_wavelength(int illuminant, int observer, const vq_xyz* xyz, double* wavelength,
+                           double* purity) VQ_NOEXCEPT;
+
+/* Textile fastness of a specimen against its reference (tristimulus values, reference first):
+ * ISO 105-A04 staining and ISO 105-A05 change in colour, as continuous grades (5 = no
+ * difference) or as step codes 1, 12, 2, 23, 3, 34, 4, 45, 5 (half grades "1-2" .. "4-5"),
+ * 6 below the scale. */
+#define VQ_INDEX_STAIN_A04 11
+#define VQ_INDEX_GREY_SCALE_A05 12
+#define VQ_INDEX_STAIN_STEP_A04 66
+#define VQ_INDEX_GREY_SCALE_STEP_A05 67
+int vq_fastness(uint32_t identifier, int illuminant, int observer, const vq_xyz* reference,
+                const vq_xyz* specimen, double* value) VQ_NOEXCEPT;
+/* Display text of a step code: "4-5" for 45, " 3 " for 3. */
+int vq_step_code_text(int32_t code, char* buffer, size_t size) VQ_NOEXCEPT;
+
+/* Texts of any catalogue identifier (base 0..186, difference variant + 1000), e.g. for 57
+ * "WI CIE", "Whiteness: CIE", and the two-line column heading "WI\nCIE-94". */
+#define VQ_INDEX_TEXT_NAME 0
+#define VQ_INDEX_TEXT_LONG_NAME 1
+#define VQ_INDEX_TEXT_HEADING 2
+int vq_index_text(uint32_t identifier, int which, char* buffer, size_t size) VQ_NOEXCEPT;
+/* The display mask the host sizes and formats the index column by ("0000.00", "-000.00", a
+ * date, ...); `parameter` is the angle code of the sensor identifier 44. */
+int vq_index_mask(uint32_t identifier, uint32_t parameter, char* buffer, size_t size) VQ_NOEXCEPT;
+
 /* The ASTM E313-10 white point chromaticity of C, D65 or D50 (VQ_ERR_UNSUPPORTED for the
  * other illuminants). */
 int vq_e313_white_point(int illuminant, int observer, double* xn, double* yn) VQ_NOEXCEPT;
@@ -396,6 +441,41 @@ int vq_find_root(vq_objective objective, void* context, double a, double b, doub
 /* The same with f(a), f(b) already known. */
 int vq_find_root_bracketed(vq_objective objective, void* context, double a, double b, double fa,
                            double fb, double tolerance, vq_root_result* result) VQ_NOEXCEPT;
+
+/* ---- Colour strength ------------------------------------------------------------------------ */
+
+/* Strength methods: 0 apparent (K/S summed over 420-680 nm), 1 chromatic at the standard's
+ * maximum absorption, 2 chromatic at the user wavelength, 3-6 pseudo-tristimulus (X+Y+Z, X, Y,
+ * Z weights), 7-10 tristimulus (X+Y+Z, X, Y, Z), 11 "when dL=0" (computed as apparent),
+ * 12-14 as 0-2 for white and base components (standard and batch exchanged). */
+typedef struct vq_strength_settings {
+  int32_t method;
+  int32_t user_wavelength; /* nm, methods 2 and 14 */
+  double target_percent;   /* shown in the label and the adjustment note */
+  int32_t saunderson_on;   /* non-zero: Saunderson correction with k1, k2 */
+  double k1, k2;
+} vq_strength_settings;
+
+/* Strength of a batch against its standard in percent (100 = as strong). Spectra are
+ * reflectance in percent; the tristimulus values (read by methods 7-10) may be NULL, and are
+ * then computed from the spectra for the illuminant and observer. use_absorbance: optical
+ * density in place of K/S. `wavelength` (may be NULL) receives the wavelength the method used
+ * for methods 1, 2, 13 and 14, and 0 for the others. */
+int vq_strength(const vq_strength_settings* settings, const double* standard,
+                const double* batch, const vq_xyz* standard_xyz, const vq_xyz* batch_xyz,
+                int illuminant, int observer, int use_absorbance, double* strength,
+                int* wavelength) VQ_NOEXCEPT;
+/* The name of method 0..14 ("Apparent", ...). */
+int vq_strength_method_name(int method, char* buffer, size_t size) VQ_NOEXCEPT;
+/* The label of a settings record, "100.00 Apparent", "95.00 Chromatic @ 520 nm". */
+int vq_strength_label(const vq_strength_settings* settings, char* buffer,
+                      size_t size) VQ_NOEXCEPT;
+/* The note of an adjustment from `from_percent` to the target, "(Apparent Strength adj. from
+ * 80.00% to 100.00%)"; `wavelength` fills the chromatic methods' notes. */
+int vq_strength_adjust_note(const vq_strength_settings* settings, double from_percent,
+                            int wavelength, char* buffer, size_t size) VQ_NOEXCEPT;
+/* The decimal separator of the strength texts; "" restores the user's locale's. */
+int vq_set_strength_decimal_separator(const char* separator) VQ_NOEXCEPT;
 
 /* ---- Settings, units, date and time texts ------------------------------------------------- */
 

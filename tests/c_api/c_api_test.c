@@ -139,7 +139,32 @@ static void TestData(void) {
   CHECK_NEAR(2, values[2], 1.0, 1e-15);
   CHECK_INT(3, vq_convert_refl(values, 1, 5), VQ_ERR_RANGE);
 
+  /* Onto the grid: 400-700 nm at 10 nm (fractions) is sampled, and repeated outward from the
+   * ends; 20 nm data of a quadratic is reproduced at 450 nm by Sprague interpolation, which
+   * is exact for polynomials up to degree 4 away from the ends. */
+  double bands[31], fractions[31], quadratic[19], grid[2 * VQ_SPECTRUM_POINTS];
+  for (int i = 0; i < 31; ++i) {
+    bands[i] = 400.0 + 10.0 * i;
+    fractions[i] = bands[i] / 1000.0;
+  }
   char text[128];
+  CHECK_INT(0, vq_map_to_grid(bands, 31, fractions, 1, 100.0, grid, text, sizeof text), VQ_OK);
+  CHECK_NEAR(0, grid[4], 40.0, 1e-12);   /* 400 nm */
+  CHECK_NEAR(0, grid[19], 55.0, 1e-12);  /* 550 nm */
+  CHECK_NEAR(0, grid[0], 40.0, 1e-12);   /* 360 nm: the 400 nm value repeated */
+  CHECK_NEAR(0, grid[39], 70.0, 1e-12);  /* 750 nm: the 700 nm value repeated */
+  double twentyNm[19];
+  for (int i = 0; i < 19; ++i) {
+    twentyNm[i] = 380.0 + 20.0 * i;
+    const double t = (twentyNm[i] - 500.0) / 100.0;
+    quadratic[i] = 30.0 + 10.0 * t - 4.0 * t * t;
+  }
+  CHECK_INT(1, vq_map_to_grid(twentyNm, 19, quadratic, 1, 1.0, grid, NULL, 0), VQ_OK);
+  CHECK_NEAR(1, grid[9], 30.0 - 5.0 - 1.0, 1e-9); /* 450 nm: t = -0.5 */
+  CHECK_INT(2, vq_map_to_grid(bands, 2, fractions, 1, 100.0, grid, text, sizeof text),
+            VQ_ERR_FAILED);
+  CHECK_INT(2, text[0] != '\0', 1);
+
   CHECK_INT(0, vq_angle_name(0, text, sizeof text), 2);
   CHECK_STR(0, text, "d8");
   CHECK_INT(1, vq_angle_name(46, text, sizeof text), VQ_ERR_RANGE);
@@ -523,6 +548,102 @@ static void TestIndices(void) {
   CHECK_INT(1, vq_e313_white_point(0, 0, &xn, &yn), VQ_ERR_UNSUPPORTED);
 }
 
+static void TestWavelengthFastnessAndCatalogue(void) {
+  /* Half way from the D65 / 2 degree white to the library's 2 degree locus point at 580 nm,
+   * (0.5124, 0.4867): 580 nm at purity 50 %; the white itself has purity 0. */
+  vq_xyz white, sample;
+  double xn, yn, nm, purity;
+  vq_white_point(2, 0, &white);
+  vq_xyz_to_xy(&white, &xn, &yn);
+  const double x = 0.5 * (xn + 0.5124), y = 0.5 * (yn + 0.4867);
+  sample.x = 100.0 * x;
+  sample.y = 100.0 * y;
+  sample.z = 100.0 * (1.0 - x - y);
+  CHECK_INT(0, vq_dominant_wavelength(2, 0, &sample, &nm, &purity), VQ_OK);
+  CHECK_NEAR(0, nm, 580.0, 1e-9);
+  CHECK_NEAR(0, purity, 50.0, 1e-9);
+  vq_index(VQ_INDEX_EXCITATION_PURITY, 2, 0, &sample, NULL, &purity);
+  CHECK_NEAR(1, purity, 50.0, 1e-9);
+  vq_dominant_wavelength(2, 0, &white, &nm, &purity);
+  CHECK_MISSING(2, nm);
+  CHECK_NEAR(2, purity, 0.0, 0.0);
+
+  /* Fastness of half the white against the white: a pure lightness step
+   * dE = 100 - (116 x 0.5^(1/3) - 16). ISO 105-A04: 6.1 - 1.45 ln dE (below 4, so it stands);
+   * ISO 105-A05: dE_F = dE, grade 5 - log2(dE / 0.85), step 1 (dE_F >= 11.6, the first
+   * threshold). Identical samples grade 5, step 5 (only the last threshold, 0, is reached). */
+  vq_xyz half = {0.5 * white.x, 0.5 * white.y, 0.5 * white.z};
+  const double de = 116.0 - 116.0 * cbrt(0.5);
+  double value;
+  CHECK_INT(0, vq_fastness(VQ_INDEX_STAIN_A04, 2, 0, &white, &half, &value), VQ_OK);
+  CHECK_NEAR(0, value, 6.1 - 1.45 * log(de), 1e-9);
+  vq_fastness(VQ_INDEX_GREY_SCALE_A05, 2, 0, &white, &half, &value);
+  CHECK_NEAR(1, value, 5.0 - log(de / 0.85) / log(2.0), 1e-9);
+  vq_fastness(VQ_INDEX_GREY_SCALE_STEP_A05, 2, 0, &white, &half, &value);
+  CHECK_NEAR(2, value, 1.0, 0.0);
+  vq_fastness(VQ_INDEX_STAIN_A04, 2, 0, &white, &white, &value);
+  CHECK_NEAR(3, value, 5.0, 0.0);
+  vq_fastness(VQ_INDEX_STAIN_STEP_A04, 2, 0, &white, &white, &value);
+  CHECK_NEAR(4, value, 5.0, 0.0);
+  CHECK_INT(5, vq_fastness(VQ_INDEX_WI_CIE, 2, 0, &white, &white, &value), VQ_ERR_UNSUPPORTED);
+  CHECK_INT(6, vq_index(VQ_INDEX_STAIN_A04, 2, 0, &white, NULL, &value), VQ_ERR_UNSUPPORTED);
+
+  char text[64];
+  vq_step_code_text(45, text, sizeof text);
+  CHECK_STR(0, text, "4-5");
+  vq_step_code_text(3, text, sizeof text);
+  CHECK_STR(1, text, " 3 ");
+  vq_index_text(VQ_INDEX_WI_CIE, VQ_INDEX_TEXT_LONG_NAME, text, sizeof text);
+  CHECK_STR(0, text, "Whiteness: CIE");
+  vq_index_text(VQ_INDEX_WI_CIE, VQ_INDEX_TEXT_HEADING, text, sizeof text);
+  CHECK_STR(1, text, "WI\nCIE-94");
+  CHECK_INT(2, vq_index_text(VQ_INDEX_WI_CIE, 3, text, sizeof text), VQ_ERR_RANGE);
+  vq_index_mask(87, 0, text, sizeof text);
+  CHECK_STR(0, text, "-000.00");
+  vq_index_mask(VQ_INDEX_WI_CIE, 0, text, sizeof text);
+  CHECK_STR(1, text, "0000.00");
+}
+
+/* ---- strength ------------------------------------------------------------------------- */
+
+static void TestStrength(void) {
+  /* Apparent strength is the ratio of the K/S sums. 50 % has K/S (0.5)^2 / 1 = 0.25 and
+   * R = (3 - sqrt 5) / 2 solves (1 - r)^2 / (2r) = 0.5, so that batch is twice as strong. */
+  double standard[VQ_SPECTRUM_POINTS], batch[VQ_SPECTRUM_POINTS];
+  Flat(standard, 50.0);
+  Flat(batch, 100.0 * (3.0 - sqrt(5.0)) / 2.0);
+  vq_strength_settings settings = {0, 520, 100.0, 0, 0.0, 0.0};
+  double strength = 0.0;
+  int nm = -1;
+  CHECK_INT(0, vq_strength(&settings, standard, batch, NULL, NULL, 2, 1, 0, &strength, &nm), VQ_OK);
+  CHECK_NEAR(0, strength, 200.0, 1e-9);
+  CHECK_INT(0, nm, 0);
+  settings.method = 12; /* base: standard and batch exchanged */
+  vq_strength(&settings, standard, batch, NULL, NULL, 2, 1, 0, &strength, NULL);
+  CHECK_NEAR(1, strength, 50.0, 1e-9);
+  settings.method = 2; /* at the user wavelength 520 nm, the same ratio */
+  vq_strength(&settings, standard, batch, NULL, NULL, 2, 1, 0, &strength, &nm);
+  CHECK_NEAR(2, strength, 200.0, 1e-9);
+  CHECK_INT(2, nm, 520);
+  CHECK_INT(3, vq_strength(&settings, standard, NULL, NULL, NULL, 2, 1, 0, &strength, NULL),
+            VQ_ERR_NULL);
+
+  char text[96];
+  vq_strength_method_name(0, text, sizeof text);
+  CHECK_STR(0, text, "Apparent");
+  CHECK_INT(1, vq_strength_method_name(15, text, sizeof text), VQ_ERR_RANGE);
+  settings.target_percent = 95.0;
+  vq_strength_label(&settings, text, sizeof text);
+  CHECK_STR(0, text, "95.00 Chromatic @ 520 nm");
+  vq_set_strength_decimal_separator(",");
+  settings.method = 0;
+  vq_strength_label(&settings, text, sizeof text);
+  CHECK_STR(1, text, "95,00 Apparent");
+  vq_set_strength_decimal_separator(".");
+  vq_strength_adjust_note(&settings, 80.0, 520, text, sizeof text);
+  CHECK_STR(0, text, "(Apparent Strength adj. from 80.00% to 95.00%)");
+}
+
 /* ---- minimisers ----------------------------------------------------------------------- */
 
 typedef struct Counter {
@@ -707,6 +828,8 @@ int main(void) {
   TestDifferences();
   TestDifferenceTexts();
   TestIndices();
+  TestWavelengthFastnessAndCatalogue();
+  TestStrength();
   TestSearches();
   TestSettingsAndUnits();
   TestDates();

@@ -68,6 +68,7 @@ struct Scratch {
   CColorSample standard;
   CColorSample trial;
   CKSData curve;
+  CKSData otherCurve;
 };
 Scratch& ThreadScratch();
 

@@ -1,10 +1,15 @@
 // The C interface of the colour indices: the whiteness, tint, yellowness and filter-value
 // indices of one sample's tristimulus values, addressed by their catalogue identifiers.
 #include <cstdint>
+#include <string>
 
 #include "velquor/c_api/c_api_support.h"
+#include "velquor/indices/dominant_wavelength.h"
 #include "velquor/indices/e313_white_point.h"
+#include "velquor/indices/fastness_grades.h"
 #include "velquor/indices/filter_values.h"
+#include "velquor/indices/index_catalogue.h"
+#include "velquor/indices/step_code.h"
 #include "velquor/indices/tint.h"
 #include "velquor/indices/whiteness.h"
 #include "velquor/indices/yellowness.h"
@@ -17,6 +22,17 @@ namespace {
 using TristimulusIndex = double (*)(int illuminant, int observer, const CValueVector3& xyz);
 using CalibratedIndex = double (*)(int illuminant, int observer, const CValueVector3& xyz,
                                    const double* coefficients);
+
+double DominantWavelengthOnly(int illuminant, int observer, const CValueVector3& xyz) {
+  double purity = 0.0;
+  return DominantWavelength(illuminant, observer, xyz, purity);
+}
+
+double ExcitationPurityOnly(int illuminant, int observer, const CValueVector3& xyz) {
+  double purity = 0.0;
+  DominantWavelength(illuminant, observer, xyz, purity);
+  return purity;
+}
 
 // What the catalogue identifier `identifier` computes. Exactly one of the two is set.
 struct IndexEntry {
@@ -37,6 +53,8 @@ constexpr IndexEntry kIndices[] = {
     {VQ_INDEX_WI_STENSBY, WhitenessStensby, nullptr},
     {VQ_INDEX_WI_HUNTER, WhitenessHunter, nullptr},
     {VQ_INDEX_WI_TAUBE_R, WhitenessTaubeR, nullptr},
+    {VQ_INDEX_DOMINANT_WAVELENGTH, DominantWavelengthOnly, nullptr},
+    {VQ_INDEX_EXCITATION_PURITY, ExcitationPurityOnly, nullptr},
     {VQ_INDEX_FILTER_RX, FilterValueRx, nullptr},
     {VQ_INDEX_FILTER_RZ, FilterValueRz, nullptr},
     {VQ_INDEX_TINT_E313_10, TintE313_10, nullptr},
@@ -60,6 +78,24 @@ const IndexEntry* FindIndex(std::uint32_t identifier) {
     if (entry.identifier == identifier) return &entry;
   }
   return nullptr;
+}
+
+using FastnessIndex = double (*)(int illuminant, int observer, const CValueVector3& reference,
+                                 const CValueVector3& specimen);
+
+FastnessIndex FindFastness(std::uint32_t identifier) {
+  switch (identifier) {
+    case VQ_INDEX_STAIN_A04:
+      return StainGradeA04;
+    case VQ_INDEX_GREY_SCALE_A05:
+      return GreyScaleGradeA05;
+    case VQ_INDEX_STAIN_STEP_A04:
+      return StainStepA04;
+    case VQ_INDEX_GREY_SCALE_STEP_A05:
+      return GreyScaleStepA05;
+    default:
+      return nullptr;
+  }
 }
 
 }  // namespace
@@ -87,6 +123,67 @@ int vq_index_batch(uint32_t identifier, int illuminant, int observer, const vq_x
                       : entry->calibrated(illuminant, observer, sample, coefficients);
     }
     return VQ_OK;
+  });
+}
+
+int vq_dominant_wavelength(int illuminant, int observer, const vq_xyz* xyz, double* wavelength,
+                           double* purity) noexcept {
+  if (xyz == nullptr || wavelength == nullptr || purity == nullptr) return VQ_ERR_NULL;
+  if (!IsValidPair(illuminant, observer)) return VQ_ERR_RANGE;
+  return Guard([&] {
+    CValueVector3& sample = ThreadScratch().xyz;
+    ToVector(*xyz, sample);
+    *wavelength = DominantWavelength(illuminant, observer, sample, *purity);
+    return VQ_OK;
+  });
+}
+
+int vq_fastness(uint32_t identifier, int illuminant, int observer, const vq_xyz* reference,
+                const vq_xyz* specimen, double* value) noexcept {
+  const FastnessIndex fastness = FindFastness(identifier);
+  if (fastness == nullptr) return VQ_ERR_UNSUPPORTED;
+  if (reference == nullptr || specimen == nullptr || value == nullptr) return VQ_ERR_NULL;
+  if (!IsValidPair(illuminant, observer)) return VQ_ERR_RANGE;
+  return Guard([&] {
+    Scratch& s = ThreadScratch();
+    ToVector(*reference, s.xyz);
+    ToVector(*specimen, s.xyzOut);
+    *value = fastness(illuminant, observer, s.xyz, s.xyzOut);
+    return VQ_OK;
+  });
+}
+
+int vq_step_code_text(int32_t code, char* buffer, size_t size) noexcept {
+  if (!IsValidBuffer(buffer, size)) return VQ_ERR_NULL;
+  return Guard([&] {
+    std::string text;
+    FormatStepCode(code, text);
+    return CopyText(text, buffer, size);
+  });
+}
+
+int vq_index_text(uint32_t identifier, int which, char* buffer, size_t size) noexcept {
+  if (!IsValidBuffer(buffer, size)) return VQ_ERR_NULL;
+  if (which < VQ_INDEX_TEXT_NAME || which > VQ_INDEX_TEXT_HEADING) return VQ_ERR_RANGE;
+  return Guard([&] {
+    std::string text;
+    if (which == VQ_INDEX_TEXT_NAME) {
+      LoadIndexName(identifier, text);
+    } else if (which == VQ_INDEX_TEXT_LONG_NAME) {
+      LoadIndexLongName(identifier, text);
+    } else {
+      LoadIndexHeading(identifier, text);
+    }
+    return CopyText(text, buffer, size);
+  });
+}
+
+int vq_index_mask(uint32_t identifier, uint32_t parameter, char* buffer, size_t size) noexcept {
+  if (!IsValidBuffer(buffer, size)) return VQ_ERR_NULL;
+  return Guard([&] {
+    std::string mask;
+    GetIndexMask(identifier, mask, parameter);
+    return CopyText(mask, buffer, size);
   });
 }
 

@@ -1,10 +1,17 @@
-// The C interface of the one-dimensional searches: the bracketing walks, the golden-section
-// searches and the bracketed root finder, with the caller's C function as the objective.
+// The C interface of the strength subsystem: colour strength with its texts, and the
+// one-dimensional searches (bracketing walks, golden-section searches and the bracketed root
+// finder) with the caller's C function as the objective.
 #include <algorithm>
+#include <string>
 
 #include "velquor/c_api/c_api_support.h"
+#include "velquor/colorimetry/tristimulus.h"
+#include "velquor/frame/resources.h"
 #include "velquor/strength/minimisers.h"
 #include "velquor/strength/root_finder.h"
+#include "velquor/strength/strength.h"
+#include "velquor/strength/strength_labels.h"
+#include "velquor/strength/strength_settings.h"
 
 using namespace velquor;
 using namespace velquor::capi;
@@ -42,9 +49,95 @@ void CopyRoot(const RootResult& from, vq_root_result& to) {
   to.fb = from.interval.fb;
 }
 
+CStrengthSettings ToSettings(const vq_strength_settings& from) {
+  CStrengthSettings to;
+  to.method = from.method;
+  to.userWavelength = from.user_wavelength;
+  to.targetPercent = from.target_percent;
+  to.saundersonOn = from.saunderson_on;
+  to.k1 = from.k1;
+  to.k2 = from.k2;
+  return to;
+}
+
+// The methods whose wavelength CalcStrength reports.
+bool ReportsWavelength(int method) {
+  return method == StrengthMethodCode(StrengthMethod::kChromaticMaxAbsorption) ||
+         method == StrengthMethodCode(StrengthMethod::kChromaticUserWavelength) ||
+         method == StrengthMethodCode(StrengthMethod::kBaseChromaticMaxAbsorption) ||
+         method == StrengthMethodCode(StrengthMethod::kBaseChromaticUserWavelength);
+}
+
+void LoadCurve(const double* spectrum, CKSData& curve) {
+  std::copy_n(spectrum, CKSData::kLength, curve.GetData());
+}
+
 }  // namespace
 
 extern "C" {
+
+int vq_strength(const vq_strength_settings* settings, const double* standard,
+                const double* batch, const vq_xyz* standard_xyz, const vq_xyz* batch_xyz,
+                int illuminant, int observer, int use_absorbance, double* strength,
+                int* wavelength) noexcept {
+  if (settings == nullptr || standard == nullptr || batch == nullptr || strength == nullptr) {
+    return VQ_ERR_NULL;
+  }
+  if (!IsValidPair(illuminant, observer)) return VQ_ERR_RANGE;
+  return Guard([&] {
+    Scratch& s = ThreadScratch();
+    CKSData& standardCurve = s.curve;
+    CKSData& batchCurve = s.otherCurve;
+    LoadCurve(standard, standardCurve);
+    LoadCurve(batch, batchCurve);
+    if (standard_xyz != nullptr) {
+      ToVector(*standard_xyz, s.xyz);
+    } else {
+      ComputeXYZ(standardCurve, illuminant, observer, s.xyz);
+    }
+    if (batch_xyz != nullptr) {
+      ToVector(*batch_xyz, s.xyzOut);
+    } else {
+      ComputeXYZ(batchCurve, illuminant, observer, s.xyzOut);
+    }
+    int used = 0;
+    *strength = CalcStrength(ToSettings(*settings), standardCurve, batchCurve, s.xyz, s.xyzOut,
+                             illuminant, observer, use_absorbance != 0, used);
+    if (wavelength != nullptr) *wavelength = ReportsWavelength(settings->method) ? used : 0;
+    return VQ_OK;
+  });
+}
+
+int vq_strength_method_name(int method, char* buffer, size_t size) noexcept {
+  if (!IsValidBuffer(buffer, size)) return VQ_ERR_NULL;
+  if (method < 0 || method >= kStrengthMethodCount) return VQ_ERR_RANGE;
+  return Guard([&] {
+    return CopyText(LoadStringResource(kStrengthMethodNameBase + static_cast<std::uint32_t>(method)),
+                    buffer, size);
+  });
+}
+
+int vq_strength_label(const vq_strength_settings* settings, char* buffer, size_t size) noexcept {
+  if (settings == nullptr || !IsValidBuffer(buffer, size)) return VQ_ERR_NULL;
+  return Guard([&] { return CopyText(GetStrengthLabel(ToSettings(*settings)), buffer, size); });
+}
+
+int vq_strength_adjust_note(const vq_strength_settings* settings, double from_percent,
+                            int wavelength, char* buffer, size_t size) noexcept {
+  if (settings == nullptr || !IsValidBuffer(buffer, size)) return VQ_ERR_NULL;
+  return Guard([&] {
+    return CopyText(GetStrengthAdjustNote(ToSettings(*settings), from_percent, wavelength),
+                    buffer, size);
+  });
+}
+
+int vq_set_strength_decimal_separator(const char* separator) noexcept {
+  if (separator == nullptr) return VQ_ERR_NULL;
+  return Guard([&] {
+    SetStrengthDecimalSeparator(separator);
+    return VQ_OK;
+  });
+}
 
 int vq_bracket_minimum(vq_objective objective, void* context, double points[6]) noexcept {
   return RunSearch(objective, points, [&](CValueArray& vector) {
