@@ -12,8 +12,9 @@
  *   pointer it was given (except the context of an installed message sink).
  * - Most functions return an int result code: VQ_OK (0) on success, a positive warning
  *   (VQ_FALLBACK) when the call succeeded with a documented substitution, or a negative
- *   VQ_ERR_* code. On a negative result nothing has been written to the outputs unless the
- *   function says otherwise. vq_result_text names each code.
+ *   VQ_ERR_* code. On a negative result the outputs are left as they were, except that a
+ *   text function may leave an empty text (or, where it says so, a partial one or a reason)
+ *   in its buffer. vq_result_text names each code.
  * - Functions that produce text copy it into a caller buffer of `size` bytes, snprintf-style:
  *   at most size - 1 bytes and a terminating zero (nothing at all when size is 0, and then
  *   the buffer may be NULL), and return the full length of the text in bytes without the
