@@ -10,6 +10,7 @@
 
 #include "velquor/data/cgats_writer.h"
 #include "velquor/data/csv_spectra.h"
+#include "velquor/data/measurement_io.h"
 
 namespace velquor {
 namespace {
@@ -89,11 +90,18 @@ TEST_F(AtomicFileTest, WritersReportTheFileTheyCouldNotWrite) {
   MeasurementStatus status = WriteCgatsFile(missingFolder, file);
   EXPECT_FALSE(status.ok);
   EXPECT_EQ(status.error.Message(), missingFolder + ": cannot write the file (No such file or directory)");
-  const std::string target = (folder_ / "out.csv").string();
-  status = WriteCsvSpectraFile(target, file);
+  // The name chooses the format.
+  const std::string target = (folder_ / "out.CSV").string();
+  status = WriteMeasurementFile(target, file);
   ASSERT_TRUE(status.ok) << status.error.Message();
   EXPECT_EQ(Content(target), "name,400,410,420\na,1,2,3\n");
-  EXPECT_EQ(Entries(), (std::vector<std::string>{"out.csv"}));
+  const std::string cgats = (folder_ / "out.txt").string();
+  ASSERT_TRUE(WriteMeasurementFile(cgats, file).ok);
+  MeasurementFile back;
+  ASSERT_TRUE(ReadMeasurementFile(cgats, {}, back).ok);
+  EXPECT_EQ(back.format, MeasurementFormat::kCgats);
+  EXPECT_EQ(back.SampleLabel(0), "a");
+  EXPECT_EQ(Entries(), (std::vector<std::string>{"out.CSV", "out.txt"}));
 }
 
 }  // namespace

@@ -176,6 +176,35 @@ TEST(LineReader, AcceptsALineOfExactlyTheLimitFromMemoryAndFromASource) {
   }
 }
 
+// kMaxColumns (4096) columns read; one more is refused, in either format.
+TEST(MeasurementFiles, ColumnLimitHoldsFromBothSides) {
+  for (const std::size_t columns : {kMaxColumns, kMaxColumns + 1}) {
+    std::string names = "SAMPLE_ID";
+    std::string csvHeader = "SAMPLE_ID";
+    std::string row = "x";
+    for (std::size_t i = 1; i < columns; ++i) {
+      const std::string nm = std::to_string(i);
+      names.append(" nm").append(nm);
+      csvHeader.append(",").append(nm);
+      row.append(" 0.5");
+    }
+    MeasurementFile file;
+    const MeasurementStatus cgats = ParseCgats(Cgats(row + "\nEND_DATA\n", names, std::to_string(columns), "1"),
+                                               "wide.cgats", {}, file);
+    std::string csvRow = row;
+    std::replace(csvRow.begin(), csvRow.end(), ' ', ',');
+    const MeasurementStatus csv = ParseCsvSpectra(csvHeader + "\n" + csvRow + "\n", "wide.csv", {}, file);
+    if (columns == kMaxColumns) {
+      EXPECT_TRUE(cgats.ok) << cgats.error.Message();
+      EXPECT_TRUE(csv.ok) << csv.error.Message();
+      EXPECT_EQ(file.wavelengths.size(), kMaxColumns - 1);
+    } else {
+      EXPECT_EQ(cgats.error.Message(), "wide.cgats:5: more than 4096 columns");
+      EXPECT_EQ(csv.error.Message(), "wide.csv:1: more than 4096 columns");
+    }
+  }
+}
+
 // Every common naming of spectral columns, with and without the plain CSV forms.
 TEST(SpectralColumnNames, RecogniseEveryCommonNaming) {
   const struct {

@@ -27,9 +27,15 @@ struct Token {
 
 bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
 
-// Splits a CGATS line into tokens. Returns false on an unclosed quote.
-bool Tokenize(std::string_view line, std::vector<Token>& tokens) {
+// Splits a CGATS line into tokens, keeping at most `limit` of them (the rest are only
+// counted, so that a hostile line costs no memory beyond the columns a row can have).
+// Returns false on an unclosed quote; `count` is the number of tokens and `lastEnd` the end
+// of the last one (quotes included).
+bool Tokenize(std::string_view line, std::size_t limit, std::vector<Token>& tokens, std::size_t& count,
+              std::size_t& lastEnd) {
   tokens.clear();
+  count = 0;
+  lastEnd = 0;
   std::size_t i = 0;
   const std::size_t n = line.size();
   while (i < n) {
@@ -50,7 +56,9 @@ bool Tokenize(std::string_view line, std::vector<Token>& tokens) {
       token.text = line.substr(start, i - start);
     }
     token.end = i;
-    tokens.push_back(token);
+    lastEnd = i;
+    ++count;
+    if (tokens.size() < limit) tokens.push_back(token);
   }
   return true;
 }
@@ -82,6 +90,10 @@ class CgatsParser {
   MeasurementStatus HeaderLine(std::string_view line);
   MeasurementStatus FinishFormat();
   MeasurementStatus DataRow(std::string_view line);
+  MeasurementStatus CheckColumnCount() const {
+    if (fieldNames_.size() <= kMaxColumns) return {};
+    return Fail(reader_.LineNumber(), FormatMeasurementText(text::kTooManyColumns, {std::to_string(kMaxColumns)}));
+  }
   void AddFieldName(std::string_view name) {
     fieldNames_.emplace_back(name);
     fieldLines_.push_back(reader_.LineNumber());
@@ -91,6 +103,8 @@ class CgatsParser {
   const std::string& source_;
   MeasurementFile& out_;
   std::vector<Token> tokens_;
+  std::size_t tokenCount_ = 0;
+  std::size_t lastEnd_ = 0;
   State state_ = State::kHeader;
   bool sawSignificantLine_ = false;
   bool sawFormat_ = false;
@@ -117,7 +131,7 @@ MeasurementStatus CgatsParser::HeaderLine(std::string_view line) {
       formatBegin_ = lineNumber;
       out_.formatLine = lineNumber;
       for (std::size_t i = 1; i < tokens_.size(); ++i) AddFieldName(tokens_[i].text);
-      return {};
+      return CheckColumnCount();
     }
     if (word == "BEGIN_DATA") {
       if (!sawFormat_) return Fail(lineNumber, FormatMeasurementText(text::kDataBeforeFormat));
@@ -133,9 +147,10 @@ MeasurementStatus CgatsParser::HeaderLine(std::string_view line) {
     }
     if (word == "NUMBER_OF_FIELDS" || word == "NUMBER_OF_SETS") {
       std::size_t count = 0;
-      const std::string_view value = tokens_.size() == 2 ? tokens_[1].text : std::string_view();
-      if (tokens_.size() != 2 || !ParseCount(value, count)) {
-        const std::string_view rest = tokens_.size() > 1 ? line.substr(tokens_[1].begin) : std::string_view();
+      const std::string_view value = tokenCount_ == 2 ? tokens_[1].text : std::string_view();
+      if (tokenCount_ != 2 || !ParseCount(value, count)) {
+        const std::string_view rest =
+            tokenCount_ > 1 ? line.substr(tokens_[1].begin, lastEnd_ - tokens_[1].begin) : std::string_view();
         return Fail(lineNumber, FormatMeasurementText(text::kNotWholeNumber, {word, Shorten(rest)}));
       }
       if (word == "NUMBER_OF_FIELDS") {
@@ -147,16 +162,14 @@ MeasurementStatus CgatsParser::HeaderLine(std::string_view line) {
       }
       return {};
     }
-    if (first && tokens_.size() == 1) {
+    if (first && tokenCount_ == 1) {
       out_.identifier = std::string(word);
       return {};
     }
   }
   CgatsKeyword keyword;
   keyword.name = std::string(word);
-  if (tokens_.size() > 1) {
-    keyword.value = std::string(line.substr(tokens_[1].begin, tokens_.back().end - tokens_[1].begin));
-  }
+  if (tokenCount_ > 1) keyword.value = std::string(line.substr(tokens_[1].begin, lastEnd_ - tokens_[1].begin));
   out_.keywords.push_back(std::move(keyword));
   return {};
 }
@@ -201,9 +214,9 @@ MeasurementStatus CgatsParser::FinishFormat() {
 
 MeasurementStatus CgatsParser::DataRow(std::string_view /*line*/) {
   const std::size_t lineNumber = reader_.LineNumber();
-  if (tokens_.size() != out_.columns.size()) {
+  if (tokenCount_ != out_.columns.size()) {
     return Fail(lineNumber, FormatMeasurementText(text::kRowFieldCount,
-                                                  {std::to_string(tokens_.size()), std::to_string(out_.columns.size())}));
+                                                  {std::to_string(tokenCount_), std::to_string(out_.columns.size())}));
   }
   MeasurementSample sample;
   sample.line = lineNumber;
@@ -234,7 +247,10 @@ MeasurementStatus CgatsParser::Run(const ReadOptions& options) {
     const LineReader::Status status = reader_.Next(line);
     if (status == LineReader::Status::kEnd) break;
     if (status != LineReader::Status::kLine) return LineReaderFailure(reader_, status, source_);
-    if (!Tokenize(line, tokens_)) return Fail(reader_.LineNumber(), FormatMeasurementText(text::kUnclosedQuote));
+    const std::size_t limit = state_ == State::kData ? out_.columns.size() + 1 : kMaxColumns + 2;
+    if (!Tokenize(line, limit, tokens_, tokenCount_, lastEnd_)) {
+      return Fail(reader_.LineNumber(), FormatMeasurementText(text::kUnclosedQuote));
+    }
     if (tokens_.empty()) continue;
     const bool keyword = !tokens_.front().quoted;
     const std::string_view word = tokens_.front().text;
@@ -251,6 +267,7 @@ MeasurementStatus CgatsParser::Run(const ReadOptions& options) {
           }
           AddFieldName(tokens_[i].text);
         }
+        if (result && state_ == State::kFormat) result = CheckColumnCount();
         break;
       case State::kData:
         if (keyword && word == "END_DATA") {

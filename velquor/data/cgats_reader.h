@@ -19,7 +19,9 @@
 // Errors name the file and line: an empty file, binary data, a line over 1 MiB, an unclosed
 // quote, a block that is not closed, a row whose field count differs from the format, a
 // value that is not a number, two columns of the same wavelength or name, counts that
-// disagree with NUMBER_OF_FIELDS / NUMBER_OF_SETS, no spectral column, no sample.
+// disagree with NUMBER_OF_FIELDS / NUMBER_OF_SETS, more than kMaxColumns columns, no
+// spectral column, no sample. Memory grows with the samples read (a row costs at most about
+// 16 bytes for each byte of its line), never with the length of a refused line.
 // Nothing throws; on error `out` holds what was read so far and must not be used.
 #pragma once
 

@@ -57,12 +57,18 @@ char DetectDelimiter(std::string_view header) {
   return ',';
 }
 
-// Splits one CSV line into fields. Unescaped quoted fields are kept in `store`, whose
-// elements do not move while fields point into them. Returns false on an unclosed quote.
-bool SplitCsvLine(std::string_view line, char delimiter, std::vector<std::string_view>& fields,
-                  std::deque<std::string>& store) {
+// Splits one CSV line into fields, keeping at most `limit` of them (the rest are only
+// counted in `count`). Unescaped quoted fields are kept in `store`, whose elements do not move
+// while fields point into them. Returns false on an unclosed quote.
+bool SplitCsvLine(std::string_view line, char delimiter, std::size_t limit, std::vector<std::string_view>& fields,
+                  std::deque<std::string>& store, std::size_t& count) {
   fields.clear();
   store.clear();
+  count = 0;
+  auto keep = [&](std::string_view field) {
+    ++count;
+    if (fields.size() < limit) fields.push_back(field);
+  };
   std::size_t i = 0;
   const std::size_t n = line.size();
   for (;;) {
@@ -90,18 +96,22 @@ bool SplitCsvLine(std::string_view line, char delimiter, std::vector<std::string
       const std::size_t next = line.find(delimiter, j);
       const std::string_view tail = Trim(line.substr(j, next == std::string_view::npos ? n - j : next - j), delimiter);
       value.append(tail);
-      store.push_back(std::move(value));
-      fields.push_back(store.back());
+      if (fields.size() < limit) {
+        store.push_back(std::move(value));
+        keep(store.back());
+      } else {
+        keep({});
+      }
       if (next == std::string_view::npos) return true;
       i = next + 1;
       continue;
     }
     const std::size_t next = line.find(delimiter, i);
     if (next == std::string_view::npos) {
-      fields.push_back(Trim(line.substr(i), delimiter));
+      keep(Trim(line.substr(i), delimiter));
       return true;
     }
-    fields.push_back(Trim(line.substr(i, next - i), delimiter));
+    keep(Trim(line.substr(i, next - i), delimiter));
     i = next + 1;
   }
 }
@@ -146,8 +156,12 @@ MeasurementStatus CsvParser::Header(std::string_view line) {
   const std::size_t lineNumber = reader_.LineNumber();
   out_.formatLine = lineNumber;
   delimiter_ = DetectDelimiter(line);
-  if (!SplitCsvLine(line, delimiter_, fields_, store_)) {
+  std::size_t count = 0;
+  if (!SplitCsvLine(line, delimiter_, kMaxColumns + 1, fields_, store_, count)) {
     return Fail(lineNumber, FormatMeasurementText(text::kUnclosedQuote));
+  }
+  if (count > kMaxColumns) {
+    return Fail(lineNumber, FormatMeasurementText(text::kTooManyColumns, {std::to_string(kMaxColumns)}));
   }
   std::unordered_map<double, std::size_t> columnOfWavelength;
   for (std::size_t i = 0; i < fields_.size(); ++i) {
@@ -179,12 +193,13 @@ MeasurementStatus CsvParser::Header(std::string_view line) {
 
 MeasurementStatus CsvParser::Row(std::string_view line) {
   const std::size_t lineNumber = reader_.LineNumber();
-  if (!SplitCsvLine(line, delimiter_, fields_, store_)) {
+  std::size_t count = 0;
+  if (!SplitCsvLine(line, delimiter_, out_.columns.size() + 1, fields_, store_, count)) {
     return Fail(lineNumber, FormatMeasurementText(text::kUnclosedQuote));
   }
-  if (fields_.size() != out_.columns.size()) {
+  if (count != out_.columns.size()) {
     return Fail(lineNumber, FormatMeasurementText(text::kCsvRowFieldCount,
-                                                  {std::to_string(fields_.size()), std::to_string(out_.columns.size())}));
+                                                  {std::to_string(count), std::to_string(out_.columns.size())}));
   }
   MeasurementSample sample;
   sample.line = lineNumber;

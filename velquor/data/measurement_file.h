@@ -39,6 +39,10 @@ enum class ReflectanceScale {
 // reader with ReadOptions::scale.
 inline constexpr double kPercentDetectionThreshold = 2.0;
 
+// Most columns a file may have. Real exports have a few hundred (1 nm from 300 to 1100 nm is
+// 801); the limit keeps a hostile header from costing memory and time per row.
+inline constexpr std::size_t kMaxColumns = 4096;
+
 enum class MeasurementFormat { kCgats, kCsv };
 
 // Where and what: "<file>:<line>: <text>", or "<file>: <text>" when no line applies.

@@ -31,6 +31,7 @@ inline constexpr std::uint32_t kCsvRowFieldCount = 29717;
 inline constexpr std::uint32_t kCsvNoWavelengths = 29718;
 inline constexpr std::uint32_t kAppearsTwice = 29719;
 inline constexpr std::uint32_t kMissingValues = 29720;
+inline constexpr std::uint32_t kTooManyColumns = 29726;
 inline constexpr std::uint32_t kAfterEndData = 29721;
 inline constexpr std::uint32_t kScaleFractionDetected = 29722;
 inline constexpr std::uint32_t kScalePercentDetected = 29723;
