@@ -25,7 +25,8 @@
 // missing (kMissing); the other points are still computed.
 //
 // A mapping is built once per set of wavelengths and applied to every sample without
-// allocating: each grid point is a fixed weighted sum of at most eleven measured values.
+// allocating: each grid point is a fixed weighted sum of at most six measured values (the
+// boundary estimates draw on bands the Sprague window holds anyway).
 #pragma once
 
 #include <array>
@@ -47,8 +48,7 @@ enum class GridMappingMethod {
 
 class SpectralGridMapping {
  public:
-  // Most measured values one grid point draws on: six Sprague neighbours, two of which may be
-  // boundary extrapolations over six bands each.
+  // Room for the measured values one grid point draws on (six at most; kept with a margin).
   static constexpr std::size_t kMaxTerms = 12;
 
   // Builds the mapping for spectra measured at `wavelengths` (nm, in column order). On
