@@ -15,11 +15,28 @@
 #include "velquor/data/cgats_writer.h"
 #include "velquor/data/csv_spectra.h"
 #include "velquor/data/spectral_grid_mapping.h"
+#include "velquor/frame/numeric.h"
 
 namespace velquor {
 namespace {
 
 namespace fs = std::filesystem;
+
+void ExpectSameValues(const MeasurementFile& expected, const MeasurementFile& actual) {
+  EXPECT_EQ(actual.wavelengths, expected.wavelengths);
+  ASSERT_EQ(actual.samples.size(), expected.samples.size());
+  for (std::size_t s = 0; s < expected.samples.size(); ++s) {
+    const std::vector<double>& x = expected.samples[s].values;
+    const std::vector<double>& y = actual.samples[s].values;
+    ASSERT_EQ(y.size(), x.size());
+    for (std::size_t i = 0; i < x.size(); ++i) {
+      EXPECT_EQ(IsMissing(y[i]), IsMissing(x[i]));
+      if (!IsMissing(x[i])) {
+        EXPECT_EQ(y[i], x[i]);
+      }
+    }
+  }
+}
 
 void CheckOutcome(const MeasurementStatus& status, const MeasurementFile& file, const std::string& name) {
   if (!status.ok) {
@@ -34,13 +51,18 @@ void CheckOutcome(const MeasurementStatus& status, const MeasurementFile& file, 
   if (mapping.ok) {
     EXPECT_EQ(mapped.size(), file.samples.size());
   }
-  // What was read writes and reads back.
+  // What was read writes out and reads back with the same wavelengths and values.
   std::string text;
   ASSERT_TRUE(FormatCgats(file, {}, text));
-  MeasurementFile again;
-  const MeasurementStatus reread = ParseCgats(text, "rewritten", {}, again);
-  EXPECT_TRUE(reread.ok) << reread.error.Message() << "\n" << text;
-  EXPECT_EQ(again.samples.size(), file.samples.size());
+  MeasurementFile cgats;
+  const MeasurementStatus reread = ParseCgats(text, "rewritten", {}, cgats);
+  ASSERT_TRUE(reread.ok) << reread.error.Message() << "\n" << text;
+  ExpectSameValues(file, cgats);
+  ASSERT_TRUE(FormatCsvSpectra(file, {}, text));
+  MeasurementFile csv;
+  const MeasurementStatus rereadCsv = ParseCsvSpectra(text, "rewritten", {}, csv);
+  ASSERT_TRUE(rereadCsv.ok) << rereadCsv.error.Message() << "\n" << text;
+  ExpectSameValues(file, csv);
 }
 
 // Reads `text` as the fuzz target does: `selector` bit 6 delivers the lines from a source in

@@ -62,10 +62,15 @@ std::vector<std::string> FieldNames(const MeasurementFile& file, const CgatsWrit
     names.push_back(std::move(name));
   }
   std::unordered_set<std::string> used;
-  for (std::string& name : names) {
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    std::string& name = names[i];
     if (used.insert(name).second) continue;
     for (int suffix = 2;; ++suffix) {
-      std::string candidate = name + "_" + std::to_string(suffix);
+      // "nm" + "_2" would read as a spectral column: a text column's new name must not.
+      std::string candidate = name;
+      candidate.append("_").append(std::to_string(suffix));
+      double nm = 0.0;
+      if (!file.columns[i].spectral && ParseSpectralColumnName(candidate, false, nm)) candidate.insert(0, "X_");
       if (used.insert(candidate).second) {
         name = std::move(candidate);
         break;
