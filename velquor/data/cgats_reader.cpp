@@ -180,7 +180,7 @@ MeasurementStatus CgatsParser::FinishFormat() {
     return Fail(lineNumber, FormatMeasurementText(text::kFieldCountDeclared,
                                                   {std::to_string(declaredFields_), std::to_string(fieldNames_.size())}));
   }
-  // Hash lookups keep a hostile format of half a million names linear.
+  // Hash lookups keep the checks linear in the number of columns.
   std::unordered_set<std::string_view> names;
   std::unordered_map<double, std::size_t> columnOfWavelength;
   for (std::size_t i = 0; i < fieldNames_.size(); ++i) {

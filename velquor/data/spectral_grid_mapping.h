@@ -12,8 +12,8 @@
 //        boundary coefficients (the /209 formulas). Where two measured bands lie on each
 //        side of the interval it reproduces polynomials of degree up to 4 exactly (its node
 //        derivatives come from five-point differences; a quintic is not reproduced); in the
-//        first and last intervals, which lean on the boundary estimates, only straight lines
-//        are;
+//        two intervals at each end, which lean on the boundary estimates, only straight
+//        lines are;
 //      * irregular data, or regular data with only 3 to 5 bands: a cubic through the four
 //        nearest measured bands (Lagrange form; a quadratic when only 3 bands exist), exact
 //        for polynomials up to degree 3;
