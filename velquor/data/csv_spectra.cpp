@@ -324,10 +324,15 @@ bool FormatCsvSpectra(const MeasurementFile& file, const CsvWriteOptions& option
         AppendCsvField(out, SpectralColumnName(file, column, options.spectralNames));
         continue;
       }
-      // A text column whose name reads as a wavelength ("380" from a CGATS file) is renamed,
-      // so that it stays a text column.
+      // A text column whose name reads as a wavelength ("380" from a CGATS file, or "410\rnm",
+      // whose CR is written as a blank) is renamed, so that it stays a text column.
+      std::string name = column.name;
+      for (char& c : name) {
+        if (c == '\n' || c == '\r') c = ' ';
+      }
       double nm = 0.0;
-      AppendCsvField(out, ParseSpectralColumnName(column.name, true, nm) ? "X_" + column.name : column.name);
+      if (ParseSpectralColumnName(name, true, nm)) name.insert(0, "X_");
+      AppendCsvField(out, name);
     }
     out.push_back('\n');
     for (const MeasurementSample& sample : file.samples) {
