@@ -3,7 +3,6 @@
 #include <unordered_set>
 #include <vector>
 
-#include "velquor/data/atomic_file.h"
 #include "velquor/data/measurement_text_ids.h"
 #include "velquor/frame/numeric.h"
 
@@ -154,17 +153,8 @@ bool FormatCgats(const MeasurementFile& file, const CgatsWriteOptions& options, 
 
 MeasurementStatus WriteCgatsFile(const std::string& path, const MeasurementFile& file,
                                  const CgatsWriteOptions& options) noexcept {
-  return ReadWithoutThrowing(path, [&]() {
-    std::string content;
-    if (!FormatCgats(file, options, content)) {
-      return MeasurementStatus::Failure(path, 0, FormatMeasurementText(text::kOutOfMemory));
-    }
-    std::string reason;
-    if (!WriteFileAtomically(path, content, reason)) {
-      return MeasurementStatus::Failure(path, 0, FormatMeasurementText(text::kCannotWrite, {reason}));
-    }
-    return MeasurementStatus();
-  });
+  return WriteFormattedFile(
+      path, [&](std::string& content) { return FormatCgats(file, options, content); });
 }
 
 }  // namespace velquor

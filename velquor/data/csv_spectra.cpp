@@ -6,7 +6,6 @@
 #include <unordered_map>
 #include <vector>
 
-#include "velquor/data/atomic_file.h"
 #include "velquor/data/measurement_text_ids.h"
 #include "velquor/frame/constants.h"
 #include "velquor/frame/numeric.h"
@@ -360,17 +359,8 @@ bool FormatCsvSpectra(const MeasurementFile& file, const CsvWriteOptions& option
 
 MeasurementStatus WriteCsvSpectraFile(const std::string& path, const MeasurementFile& file,
                                       const CsvWriteOptions& options) noexcept {
-  return ReadWithoutThrowing(path, [&]() {
-    std::string content;
-    if (!FormatCsvSpectra(file, options, content)) {
-      return MeasurementStatus::Failure(path, 0, FormatMeasurementText(text::kOutOfMemory));
-    }
-    std::string reason;
-    if (!WriteFileAtomically(path, content, reason)) {
-      return MeasurementStatus::Failure(path, 0, FormatMeasurementText(text::kCannotWrite, {reason}));
-    }
-    return MeasurementStatus();
-  });
+  return WriteFormattedFile(
+      path, [&](std::string& content) { return FormatCsvSpectra(file, options, content); });
 }
 
 }  // namespace velquor

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <memory>
 
+#include "velquor/data/atomic_file.h"
 #include "velquor/data/measurement_text_ids.h"
 #include "velquor/frame/constants.h"
 #include "velquor/frame/numeric.h"
@@ -315,6 +316,23 @@ MeasurementStatus ReadWithoutThrowing(const std::string& source,
   } catch (...) {
   }
   return status;
+}
+
+MeasurementStatus WriteFormattedFile(const std::string& path,
+                                     const std::function<bool(std::string&)>& format) noexcept {
+  return ReadWithoutThrowing(path, [&]() {
+    std::string content;
+    if (!format(content)) {
+      return MeasurementStatus::Failure(path, 0,
+                                        FormatMeasurementText(measurement_text::kOutOfMemory));
+    }
+    std::string reason;
+    if (!WriteFileAtomically(path, content, reason)) {
+      return MeasurementStatus::Failure(
+          path, 0, FormatMeasurementText(measurement_text::kCannotWrite, {reason}));
+    }
+    return MeasurementStatus();
+  });
 }
 
 }  // namespace velquor

@@ -176,4 +176,9 @@ MeasurementStatus ReadLinesOfFile(const std::string& path,
 MeasurementStatus ReadWithoutThrowing(const std::string& source,
                                       const std::function<MeasurementStatus()>& read) noexcept;
 
+// For the writers: builds the file's text with `format` (false when memory runs out) and
+// writes it to `path` atomically, so an interrupted run never leaves half a file.
+MeasurementStatus WriteFormattedFile(const std::string& path,
+                                     const std::function<bool(std::string&)>& format) noexcept;
+
 }  // namespace velquor
