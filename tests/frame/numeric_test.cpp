@@ -90,13 +90,10 @@ class HueUnit : public ::testing::Test {
   void TearDown() override { SetHueInDegrees(1); }
 };
 
-TEST_F(HueUnit, DegreesByDefault) {
+TEST_F(HueUnit, DegreesByDefaultRadiansPassThrough) {
   EXPECT_EQ(GetHueInDegrees(), 1);
   EXPECT_NEAR(HueToRadians(180.0), std::numbers::pi, 3e-13);
   EXPECT_NEAR(HueFromRadians(std::numbers::pi), 180.0, 2e-11);
-}
-
-TEST_F(HueUnit, RadiansPassThroughUnchanged) {
   SetHueInDegrees(0);
   EXPECT_EQ(HueToRadians(2.5), 2.5);
   EXPECT_EQ(HueFromRadians(2.5), 2.5);
