@@ -49,14 +49,12 @@ TEST(AngleSet, SortsByKeyKeepingStoredOrderAmongEqualKeys) {
   const Case cases[] = {
       // SCI and 45° share key 450: 15°, then SCI, 45° in stored order.
       {{kSCI, k15, k45}, {1, 0, 2}},
-      {{k45, k15, kSCI}, {1, 0, 2}},
       // -15° (key -150) sorts before 0° (key 0).
       {{kZero, k110, kMinus15, k15}, {2, 0, 3, 1}},
       // d8, 45°, SCI, d0 all key 450; 0° and 15° come first.
       {{0, k45, kSCI, k15, 2, kZero}, {5, 3, 0, 1, 2, 4}},
       // Duplicated codes stay in stored order too.
       {{k45, k45, k15, k45}, {2, 0, 1, 3}},
-      {{k110, k75, k25, k15}, {3, 2, 1, 0}},
       {{}, {}},
   };
   for (const Case& c : cases) {
@@ -103,14 +101,12 @@ TEST(AngleSet, CurrentPositionStandsInForIndexOneHundred) {
   EXPECT_EQ(set.GetCodeAt(0), k110);
   EXPECT_EQ(set.GetCodeAt(3), CAngleSet::kNoCode);
   EXPECT_EQ(set.GetAngleDegrees(100), 45.0);
-  EXPECT_EQ(set.GetAngleDegrees(1), 15.0);
   EXPECT_EQ(set.GetAngleDegrees(3), kMissing);
 
   EXPECT_EQ(set.GetName(0), "110°");
   EXPECT_EQ(set.GetName(100), "45°");
   EXPECT_EQ(set.GetName(3), "");
   EXPECT_EQ(set.GetSortedName(0), "15°");
-  EXPECT_EQ(set.GetSortedName(2), "110°");
   EXPECT_EQ(set.GetSortedName(100), "45°");
   EXPECT_EQ(set.GetSortedName(3), "");
 }
@@ -140,11 +136,6 @@ TEST(AngleSet, CopyAssignmentCopiesArraysAndCurrentPosition) {
   EXPECT_FALSE(target.IsEnabled(2));
   EXPECT_FALSE(target.IsSelected(0));
   EXPECT_TRUE(target.IsSelected(1));
-
-  CAngleSet& alias = target;
-  target = alias;
-  EXPECT_EQ(target.GetCurrentPosition(), 1u);
-  EXPECT_FALSE(target.IsEnabled(2));
 }
 
 TEST(AngleSet, FindNearestTiesGoToTheEarlierStoredPosition) {
@@ -196,7 +187,6 @@ TEST(AngleSet, MapSortedIndexTranslatesThroughTheNearestAngle) {
   EXPECT_EQ(set.MapSortedIndex(1, other), 1u);    // 45 -> 45°
   EXPECT_EQ(set.MapSortedIndex(2, other), 1u);    // 75° -> 45° (30 away; 110° is 35)
   EXPECT_EQ(set.MapSortedIndex(3, other), 100u);  // not below other's count
-  EXPECT_EQ(set.MapSortedIndex(100, other), 100u);
   EXPECT_EQ(other.MapSortedIndex(2, set), 2u);  // 110° -> 75°, the last sorted
   EXPECT_EQ(MakeSet({k45}).MapSortedIndex(0, other), 100u);
   EXPECT_EQ(CAngleSet().MapSortedIndex(0, other), 100u);
@@ -322,14 +312,6 @@ TEST(AngleSetArchive, BadArchivesThrowAndLeaveTheSetAlone) {
       EXPECT_EQ(set.GetCurrentPosition(), 1u);
     }
   }
-}
-
-TEST(AngleSet, RunTimeClassMakesAnEmptySet) {
-  std::unique_ptr<CObject> made(CAngleSet::classCAngleSet.CreateObject());
-  ASSERT_NE(made, nullptr);
-  EXPECT_TRUE(made->IsKindOf(&CAngleSet::classCAngleSet));
-  EXPECT_TRUE(made->IsKindOf(&CObject::classCObject));
-  EXPECT_EQ(static_cast<CAngleSet*>(made.get())->GetCount(), 0u);
 }
 
 }  // namespace
