@@ -44,8 +44,6 @@ TEST(HunterLab, RegimeFollowsIlluminantAndObserver) {
 }
 
 TEST(XYZToHunterLab, GeneralFormAgreesWithPublishedKaKbWithinTheRoundedConstants) {
-  MaxError dA{"Hunter (white point form) vs HunterLab 1966 Ka/Kb, max relative |da|"};
-  MaxError dB{"Hunter (white point form) vs HunterLab 1966 Ka/Kb, max relative |db|"};
   for (const auto& w : kWhites) {
     const double ka = 175 * std::sqrt(w.x / 98.043), kb = 70 * std::sqrt(w.z / 118.115);
     for (double ry : {0.001, 0.05, 0.3, 0.9}) {
@@ -60,14 +58,10 @@ TEST(XYZToHunterLab, GeneralFormAgreesWithPublishedKaKbWithinTheRoundedConstants
           EXPECT_NEAR(lab[0], ref[0], 1e-12);
           EXPECT_NEAR(lab[1], ref[1], kKaRelative * std::abs(ref[1]) + 1e-12);
           EXPECT_NEAR(lab[2], ref[2], kKbRelative * std::abs(ref[2]) + 1e-12);
-          if (std::abs(ref[1]) > 1e-6) dA.Add((lab[1] - ref[1]) / ref[1]);
-          if (std::abs(ref[2]) > 1e-6) dB.Add((lab[2] - ref[2]) / ref[2]);
         }
       }
     }
   }
-  dA.Report();
-  dB.Report();
 }
 
 TEST(XYZToHunterLab, PublishedD65Example) {

@@ -81,8 +81,6 @@ TEST(XYZToLuv, AgreesWithExactFractionCieluvWithinTheRoundedConstants) {
   // Only 903.29 differs from CIE: on the linear branch L*, u*, v* are all low by
   // kKappaRelative (7.3e-6) relative; between 0.008856 and 216/24389 the cube root and CIE's
   // tangent line differ by under 1e-8; above, the formulas coincide.
-  MaxError dL{"XYZToLuv vs CIE 15 exact fractions, max |dL*|"};
-  MaxError dUV{"XYZToLuv vs CIE 15 exact fractions, max |du*|, |dv*|"};
   for (const auto& w : kWhites) {
     const CValueVector3 white = Vector3(w);
     for (double ry : {0.0001, 0.003, 0.0088, 0.008856, 0.00886, 0.2, 0.9}) {
@@ -97,15 +95,10 @@ TEST(XYZToLuv, AgreesWithExactFractionCieluvWithinTheRoundedConstants) {
             const double bound = kKappaRelative * std::abs(ref[c]) + 1e-8 + 1e-12;
             EXPECT_NEAR(luv[c], ref[c], bound) << w.name << " component " << c << " Y " << y;
           }
-          dL.Add(luv[0] - ref[0]);
-          dUV.Add(luv[1] - ref[1]);
-          dUV.Add(luv[2] - ref[2]);
         }
       }
     }
   }
-  dL.Report();
-  dUV.Report();
 }
 
 TEST(LuvToXYZ, RoundTripThroughXYZToLuv) {
