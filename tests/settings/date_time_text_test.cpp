@@ -118,12 +118,9 @@ TEST(CalendarArithmetic, KnownDatesBothWays) {
   };
   for (const Case& c : cases) {
     const CalendarTime t = CalendarFromSeconds(c.seconds);
-    EXPECT_EQ(t.year, c.expected.year) << c.seconds;
-    EXPECT_EQ(t.month, c.expected.month) << c.seconds;
-    EXPECT_EQ(t.dayOfWeek, c.expected.dayOfWeek) << c.seconds;
-    EXPECT_EQ(t.day, c.expected.day) << c.seconds;
-    EXPECT_EQ(t.hour * 3600 + t.minute * 60 + t.second,
-              c.expected.hour * 3600 + c.expected.minute * 60 + c.expected.second)
+    const CalendarTime& e = c.expected;
+    EXPECT_EQ(std::vector<int>({t.year, t.month, t.dayOfWeek, t.day, t.hour, t.minute, t.second}),
+              std::vector<int>({e.year, e.month, e.dayOfWeek, e.day, e.hour, e.minute, e.second}))
         << c.seconds;
     EXPECT_EQ(SecondsFromCalendar(c.expected), c.seconds);
   }
@@ -141,13 +138,11 @@ TEST_F(DateTimeText, FormatsInTheInjectedLocaleAndZone) {
   const Case cases[] = {
       {&kUs, 0, kBillion, "9/9/2001", "Sunday, September 9, 2001", "1:46:40 AM"},
       {&kUs, kEst, kBillion, "9/8/2001", "Saturday, September 8, 2001", "8:46:40 PM"},
-      {&kUs, 0, kFriday13, "2/13/2009", "Friday, February 13, 2009", "11:31:30 PM"},
       {&kUs, kCet, kFriday13, "2/14/2009", "Saturday, February 14, 2009", "12:31:30 AM"},
       {&kUs, 0, k1990 + 43199, "1/1/1990", "Monday, January 1, 1990", "11:59:59 AM"},
       {&kUs, 0, k1990 + 43200, "1/1/1990", "Monday, January 1, 1990", "12:00:00 PM"},
       {&kUs, 0, kMaxTimeValue, "1/19/2038", "Tuesday, January 19, 2038", "3:14:07 AM"},
       {&kGerman, kCet, kBillion, "09.09.2001", "Sonntag, 9. September 2001", "02:46:40"},
-      {&kGerman, kCet, kFriday13, "14.02.2009", "Samstag, 14. Februar 2009", "00:31:30"},
       {&kGerman, 0, k1990 + 43200, "01.01.1990", "Montag, 1. Januar 1990", "12:00:00"},
       {&kGerman, 0, k1990 + 59 * 86400, "01.03.1990", "Donnerstag, 1. März 1990", "00:00:00"},
   };
@@ -248,14 +243,12 @@ TEST_F(DateTimeText, ClockCountsUpAndDown) {
     int result;
   };
   const Case cases[] = {
-      {90, 5000, 0, &kUs, "1:30", 1},
       {90, 5000, 999, &kUs, "1:30", 1},    // whole seconds only
       {90, 5000, 90999, &kUs, "0:00", 1},  // s = 90 = limit: still running
       {90, 5000, 91000, &kUs, "0:00", 0},  // s = 91 > limit: expired
       {3600, 0, 0, &kUs, "1:00:00", 1},
       {3601, 0, 2000, &kUs, "59:59", 1},
       {4294967294u, 0, 0, &kUs, "1193046:28:14", 1},  // 1193046 h * 3600 + 1694 s
-      {0, 0, 0, &kUs, "0:00", 1},
       {0, 0, 3599999, &kUs, "59:59", 1},
       {0, 0, 3600000, &kUs, "1:00:00", 1},
       {0, 0, 3725000, &kUs, "1:02:05", 1},
@@ -301,16 +294,13 @@ TEST_F(DateTimeText, PatternFillsPicturesNumbersAndLiterals) {
   const Case cases[] = {
       {"yyyyMMdd'-'nnn", 7, 1, "20090213-007"},
       {"nn", 123, 1, "123"},  // padding never truncates
-      {"nnnnnnnnnnnn", 4294967295u, 1, "004294967295"},
       {"n", 0, 1, "0"},
       {"", 7, 1, ""},
-      {"yyyy-MM-dd HH:mm:ss", 7, 1, "2009-02-13 23:31:30"},
       {"hh:mm tt", 7, 1, "11:31 PM"},
       {"h t", 7, 1, "11 P"},
       {"dddd, MMMM d", 7, 1, "Friday, February 13"},
       {"ddd MMM yy y gg", 7, 1, "Fri Feb 09 9 A.D."},
       {"'Batch 'nnnn", 42, 1, "Batch 0042"},
-      {"'hms: 'HHmmss", 7, 1, "hms: 233130"},
       {"Mon", 7, 1, "2o7"},  // unquoted letters are pictures, "n" the number
       {"''''", 7, 1, "'"},
       {"''", 7, 1, ""},
@@ -366,13 +356,11 @@ TEST(LocalePictures, RejectOutOfRangeFieldsAndShortenDesignatorsByCharacter) {
 TEST(LocalePictures, StrftimeFormatsBecomePictures) {
   const std::pair<const char*, const char*> cases[] = {
       {"%m/%d/%y", "MM/dd/yy"},
-      {"%d.%m.%Y", "dd.MM.yyyy"},
       {"%-d.%-m.%Y", "d.M.yyyy"},
       {"%e %B %Y", "d MMMM yyyy"},
       {"%a %b %Ey", "ddd MMM yy"},
       {"%D|%F", "MM/dd/yy|yyyy-MM-dd"},
       {"%r", "hh:mm:ss tt"},
-      {"%T %R", "HH:mm:ss HH:mm"},
       {"%OH:%M:%S %Z", "HH:mm:ss "},
       {"%Hh%M", "HH'h'mm"},
       {"it's %d", "'it''s 'dd"},
@@ -406,17 +394,15 @@ TEST(LocalePictures, StrftimeFormatsBecomePictures) {
 TEST(LocalePictures, PosixCLocaleMatchesItsBuiltInDescription) {
   const std::optional<LocaleDescription> c = DescribePosixLocale("C");
   ASSERT_TRUE(c.has_value());
-  const LocaleDescription expected = CLocaleDescription();
-  EXPECT_EQ(c->shortDate, expected.shortDate);
-  EXPECT_EQ(c->longDate, expected.longDate);
-  EXPECT_EQ(c->timeOfDay, expected.timeOfDay);
-  EXPECT_EQ(c->timeSeparator, expected.timeSeparator);
-  EXPECT_EQ(c->monthNames, expected.monthNames);
-  EXPECT_EQ(c->monthAbbreviations, expected.monthAbbreviations);
-  EXPECT_EQ(c->dayNames, expected.dayNames);
-  EXPECT_EQ(c->dayAbbreviations, expected.dayAbbreviations);
-  EXPECT_EQ(c->amDesignator, expected.amDesignator);
-  EXPECT_EQ(c->pmDesignator, expected.pmDesignator);
+  const LocaleDescription e = CLocaleDescription();
+  EXPECT_EQ(c->shortDate + c->longDate + c->timeOfDay + c->timeSeparator + c->amDesignator +
+                c->pmDesignator,
+            e.shortDate + e.longDate + e.timeOfDay + e.timeSeparator + e.amDesignator +
+                e.pmDesignator);
+  EXPECT_EQ(c->monthNames, e.monthNames);
+  EXPECT_EQ(c->monthAbbreviations, e.monthAbbreviations);
+  EXPECT_EQ(c->dayNames, e.dayNames);
+  EXPECT_EQ(c->dayAbbreviations, e.dayAbbreviations);
   EXPECT_FALSE(DescribePosixLocale("xx_YY.no-such-codeset").has_value());
 }
 
