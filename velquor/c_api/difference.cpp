@@ -17,6 +17,7 @@
 #include "velquor/colorimetry/weight_table_cache.h"
 #include "velquor/data/dword_array.h"
 #include "velquor/difference/color_difference.h"
+#include "velquor/difference/sample_for_system.h"
 #include "velquor/difference/shade_descriptor.h"
 #include "velquor/difference/system_catalogue.h"
 
@@ -36,39 +37,11 @@ static_assert(VQ_DIFF_TEXT_CAPTION == static_cast<int>(DifferenceString::kCaptio
 
 namespace {
 
-// Fills `sample` from its XYZ for `system`: the coordinates that ComputeColorDifference reads
-// for that system (see CColorSample), computed by the library's conversions. `triple` is
-// scratch for the Hunter values.
+// Fills `sample` from its XYZ for `system` (see FillColorSample).
 void FillSample(const vq_xyz& xyz, int system, int illuminant, int observer,
                 const double* weights, CColorSample& sample, CValueVector3& triple) {
   ToVector(xyz, sample.xyz);
-  CValueVector5& c = sample.coordinates;
-  switch (system) {
-    case kDiffFmc2:
-    case kDiffGePqs2:
-    case kDiffChromaticity:
-      FillMissing(c, CValueVector5::kLength);  // these systems read XYZ only
-      break;
-    case kDiffHunterLab:
-      XYZToHunterLab(illuminant, observer, sample.xyz, triple);
-      EnsureSize(c, CValueVector5::kLength);
-      c[0] = triple[0];
-      c[1] = triple[1];
-      c[2] = triple[2];
-      ComputeChromaHue(c[1], c[2], c[3], c[4]);
-      break;
-    case kDiffCieLuv:
-      XYZToLuv(illuminant, observer, sample.xyz, c);
-      break;
-    case kDiffDin99:
-      XYZToLab(illuminant, observer, sample.xyz, c);
-      LabToDIN99(c[0], c[1], c[2], weights != nullptr ? weights[0] : 1.0,
-                 weights != nullptr ? weights[1] : 1.0, c);
-      break;
-    default:
-      XYZToLab(illuminant, observer, sample.xyz, c);
-      break;
-  }
+  FillColorSample(sample.xyz, system, illuminant, observer, weights, sample, triple);
 }
 
 void ToSample(const vq_sample& from, CColorSample& to) {

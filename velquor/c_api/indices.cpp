@@ -9,6 +9,7 @@
 #include "velquor/indices/fastness_grades.h"
 #include "velquor/indices/filter_values.h"
 #include "velquor/indices/index_catalogue.h"
+#include "velquor/indices/index_formulas.h"
 #include "velquor/indices/step_code.h"
 #include "velquor/indices/tint.h"
 #include "velquor/indices/whiteness.h"
@@ -18,67 +19,6 @@ using namespace velquor;
 using namespace velquor::capi;
 
 namespace {
-
-using TristimulusIndex = double (*)(int illuminant, int observer, const CValueVector3& xyz);
-using CalibratedIndex = double (*)(int illuminant, int observer, const CValueVector3& xyz,
-                                   const double* coefficients);
-
-double DominantWavelengthOnly(int illuminant, int observer, const CValueVector3& xyz) {
-  double purity = 0.0;
-  return DominantWavelength(illuminant, observer, xyz, purity);
-}
-
-double ExcitationPurityOnly(int illuminant, int observer, const CValueVector3& xyz) {
-  double purity = 0.0;
-  DominantWavelength(illuminant, observer, xyz, purity);
-  return purity;
-}
-
-// What the catalogue identifier `identifier` computes. Exactly one of the two is set.
-struct IndexEntry {
-  std::uint32_t identifier;
-  TristimulusIndex plain;
-  CalibratedIndex calibrated;  // Ganz/Griesser: needs the instrument's coefficients
-};
-
-constexpr IndexEntry kIndices[] = {
-    {VQ_INDEX_YI_E313_73_R, YellownessE313_73R, nullptr},
-    {VQ_INDEX_YI_D1925_R, YellownessD1925R, nullptr},
-    {VQ_INDEX_WI_E313_73_R, WhitenessE313_73R, nullptr},
-    {VQ_INDEX_WI_CIE_R, WhitenessCIER, nullptr},
-    {VQ_INDEX_TINT_CIE_R, TintCIER, nullptr},
-    {VQ_INDEX_YI_E313_10_R, YellownessE313_10R, nullptr},
-    {VQ_INDEX_YI_DIN6167_R, YellownessDIN6167R, nullptr},
-    {VQ_INDEX_WI_BERGER_R, WhitenessBergerR, nullptr},
-    {VQ_INDEX_WI_STENSBY, WhitenessStensby, nullptr},
-    {VQ_INDEX_WI_HUNTER, WhitenessHunter, nullptr},
-    {VQ_INDEX_WI_TAUBE_R, WhitenessTaubeR, nullptr},
-    {VQ_INDEX_DOMINANT_WAVELENGTH, DominantWavelengthOnly, nullptr},
-    {VQ_INDEX_EXCITATION_PURITY, ExcitationPurityOnly, nullptr},
-    {VQ_INDEX_FILTER_RX, FilterValueRx, nullptr},
-    {VQ_INDEX_FILTER_RZ, FilterValueRz, nullptr},
-    {VQ_INDEX_TINT_E313_10, TintE313_10, nullptr},
-    {VQ_INDEX_TINT_CIE, TintCIE, nullptr},
-    {VQ_INDEX_WI_E313_73, WhitenessE313_73, nullptr},
-    {VQ_INDEX_WI_E313_10, WhitenessE313_10, nullptr},
-    {VQ_INDEX_WI_BERGER, WhitenessBerger, nullptr},
-    {VQ_INDEX_WI_CIE, WhitenessCIE, nullptr},
-    {VQ_INDEX_WI_TAUBE, WhitenessTaube, nullptr},
-    {VQ_INDEX_YI_D1925, YellownessD1925, nullptr},
-    {VQ_INDEX_YI_E313_73, YellownessE313_73, nullptr},
-    {VQ_INDEX_YI_E313_10, YellownessE313_10, nullptr},
-    {VQ_INDEX_YI_DIN6167, YellownessDIN6167, nullptr},
-    {VQ_INDEX_WI_GANZ, nullptr, WhitenessGanz},
-    {VQ_INDEX_TINT_GANZ, nullptr, TintGanz},
-    {VQ_INDEX_YI_DCM, YellownessDCMY, nullptr},
-};
-
-const IndexEntry* FindIndex(std::uint32_t identifier) {
-  for (const IndexEntry& entry : kIndices) {
-    if (entry.identifier == identifier) return &entry;
-  }
-  return nullptr;
-}
 
 using FastnessIndex = double (*)(int illuminant, int observer, const CValueVector3& reference,
                                  const CValueVector3& specimen);
@@ -109,7 +49,7 @@ int vq_index(uint32_t identifier, int illuminant, int observer, const vq_xyz* xy
 
 int vq_index_batch(uint32_t identifier, int illuminant, int observer, const vq_xyz* xyz,
                    size_t count, const double* coefficients, double* values) noexcept {
-  const IndexEntry* entry = FindIndex(identifier);
+  const IndexFormula* entry = FindIndexFormula(identifier);
   if (entry == nullptr) return VQ_ERR_UNSUPPORTED;
   if (count > 0 && (xyz == nullptr || values == nullptr)) return VQ_ERR_NULL;
   if (entry->calibrated != nullptr && coefficients == nullptr) return VQ_ERR_NULL;
@@ -196,3 +136,7 @@ int vq_e313_white_point(int illuminant, int observer, double* xn, double* yn) no
 }
 
 }  // extern "C"
+
+static_assert(VQ_INDEX_YI_E313_73_R == kIndexYellownessE313_73R && VQ_INDEX_WI_CIE_R == kIndexWhitenessCieR &&
+              VQ_INDEX_DOMINANT_WAVELENGTH == kIndexDominantWavelength &&
+              VQ_INDEX_EXCITATION_PURITY == kIndexExcitationPurity && VQ_INDEX_WI_CIE == kIndexWhitenessCie);

@@ -1,0 +1,153 @@
+#include "command_support.h"
+
+#include "report.h"
+#include "velquor/data/atomic_file.h"
+
+namespace velquor::cli {
+
+std::vector<OptionSpec> CommonOptions() {
+  return {
+      {'i', "illuminant", OptionValue::kRequired, "LIST",
+       "illuminant(s), e.g. D65 or D65/10,T84/10,A/2 (default D65)"},
+      {'o', "observer", OptionValue::kRequired, "DEG",
+       "observer 2 or 10 for illuminants given without one (default 10)"},
+      {0, "scale", OptionValue::kRequired, "SCALE",
+       "spectral values are 'fraction', 'percent' or 'auto' (default auto: detected)"},
+      {0, "csv", OptionValue::kOptional, "FILE", "write CSV to standard output, or to FILE"},
+      {0, "json", OptionValue::kOptional, "FILE", "write JSON to standard output, or to FILE"},
+      {0, "html", OptionValue::kRequired, "FILE", "write a self-contained HTML report to FILE"},
+      {'h', "help", OptionValue::kNone, "", "show this help"},
+  };
+}
+
+bool ParseCommand(CommandArgs args, std::vector<OptionSpec> own, std::string_view usage,
+                  std::string_view description, std::size_t positionalCount, ParsedArguments& out,
+                  CommandOutput& io, int& exitCode) {
+  static const std::string kIlluminantHelp =
+      "illuminant(s), e.g. D65 or D65/10,T84/10,A/2 (default D65); codes: " + IlluminantHelp();
+  std::vector<OptionSpec> specs = std::move(own);
+  for (OptionSpec spec : CommonOptions()) {
+    if (spec.longName == "illuminant") spec.help = kIlluminantHelp;  // with the codes
+    specs.push_back(spec);
+  }
+  std::string error;
+  if (!ParseArguments(args, specs, out, error)) {
+    io.err += "velquor: " + error + "\nusage: " + std::string(usage) + "\n";
+    exitCode = kExitUsage;
+    return false;
+  }
+  if (out.Has("help")) {
+    io.out += "usage: " + std::string(usage) + "\n\n" + std::string(description) + "\n\noptions:\n" +
+              FormatOptionHelp(specs) +
+              "\nexit status: 0 success, 1 some sample rejected (qc: or out of tolerance), "
+              "2 usage or file error\n";
+    exitCode = kExitSuccess;
+    return false;
+  }
+  if (out.positional.size() != positionalCount) {
+    io.err += "velquor: expected " + std::to_string(positionalCount) + " file argument" +
+              (positionalCount == 1 ? "" : "s") + ", got " + std::to_string(out.positional.size()) +
+              "\nusage: " + std::string(usage) + "\n";
+    exitCode = kExitUsage;
+    return false;
+  }
+  return true;
+}
+
+bool ReadConditions(const ParsedArguments& args, std::vector<Condition>& out, CommandOutput& io) {
+  std::string error;
+  int observer = 1;
+  if (args.Has("observer") && !ParseObserver(args.Get("observer"), observer, error)) {
+    io.err += "velquor: " + error + "\n";
+    return false;
+  }
+  if (!ParseConditions(args.Get("illuminant", "D65"), observer, out, error)) {
+    io.err += "velquor: " + error + "\n";
+    return false;
+  }
+  return true;
+}
+
+bool ReadSamples(const ParsedArguments& args, const std::string& path, SampleSet& out,
+                 CommandOutput& io) {
+  ReadOptions options;
+  if (args.Has("scale") && !ParseScale(args.Get("scale"), options.scale)) {
+    io.err += "velquor: unknown scale '" + args.Get("scale") + "' (use fraction, percent or auto)\n";
+    return false;
+  }
+  std::string error;
+  if (!LoadSampleSet(path, options, out, error)) {
+    io.err += "velquor: " + error + "\n";
+    return false;
+  }
+  return true;
+}
+
+bool PickStandard(const ParsedArguments& args, const SampleSet& set, QcSample& out, CommandOutput& io) {
+  if (!args.Has("standard-name")) {
+    out = set.samples.front();
+    return true;
+  }
+  const std::string name = args.Get("standard-name");
+  for (const QcSample& sample : set.samples) {
+    if (sample.name == name) {
+      out = sample;
+      return true;
+    }
+  }
+  io.err += "velquor: " + set.source + ": no sample named '" + name + "'\n";
+  return false;
+}
+
+bool WriteTextFile(const std::string& path, const std::string& text, std::string& error) {
+  AtomicFile file(path);
+  if (!file.Open(error)) return false;
+  if (!file.Write(text)) {
+    error = path + ": cannot write";
+    file.Discard();
+    return false;
+  }
+  return file.Commit(error);
+}
+
+namespace {
+
+template <typename Source>
+bool Emit(const ParsedArguments& args, const Source& source, std::string (*text)(const Source&),
+          std::string (*csv)(const Source&), std::string (*json)(const Source&),
+          std::string (*html)(const Source&), CommandOutput& io) {
+  bool toStdout = false;
+  struct Format {
+    const char* option;
+    std::string (*render)(const Source&);
+  };
+  const Format formats[] = {{"csv", csv}, {"json", json}, {"html", html}};
+  for (const Format& format : formats) {
+    if (!args.Has(format.option)) continue;
+    const std::string path = args.Get(format.option);
+    if (path.empty()) {
+      io.out += format.render(source);
+      toStdout = true;
+      continue;
+    }
+    std::string error;
+    if (!WriteTextFile(path, format.render(source), error)) {
+      io.err += "velquor: " + error + "\n";
+      return false;
+    }
+  }
+  if (!toStdout) io.out += text(source);
+  return true;
+}
+
+}  // namespace
+
+bool EmitTable(const ParsedArguments& args, const Table& table, CommandOutput& io) {
+  return Emit<Table>(args, table, RenderTableText, RenderTableCsv, RenderTableJson, RenderTableHtml, io);
+}
+
+bool EmitQcReport(const ParsedArguments& args, const QcReport& report, CommandOutput& io) {
+  return Emit<QcReport>(args, report, RenderQcText, RenderQcCsv, RenderQcJson, RenderQcHtml, io);
+}
+
+}  // namespace velquor::cli

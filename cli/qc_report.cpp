@@ -1,0 +1,199 @@
+#include "qc_report.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+
+#include "tolerance_contour.h"
+#include "velquor/colorimetry/lab.h"
+#include "velquor/colorimetry/tristimulus.h"
+#include "velquor/colorimetry/weight_table_cache.h"
+#include "velquor/data/dword_array.h"
+#include "velquor/difference/color_difference.h"
+#include "velquor/difference/sample_for_system.h"
+#include "velquor/difference/shade_descriptor.h"
+#include "velquor/difference/system_catalogue.h"
+#include "velquor/frame/constants.h"
+#include "velquor/frame/numeric.h"
+#include "velquor/indices/index_formulas.h"
+#include "velquor/strength/strength.h"
+
+namespace velquor::cli {
+
+namespace {
+
+// Which slots a system's difference column list describes, in order. Lists of six leave out
+// slot 4 (the plain lightness difference, equal to slot 1); Hunter and GE-PQS II fill slots
+// 1-3 and 7, FMC-2 slots 1-3, 5 and 7.
+std::vector<int> LabelledSlots(int system, std::size_t labels) {
+  if (labels == 7) return {0, 1, 2, 3, 4, 5, 6};
+  if (labels == 6) return {0, 1, 2, 4, 5, 6};
+  if (system == kDiffFmc2) return {0, 1, 2, 4, 6};
+  return {0, 1, 2, 6};
+}
+
+// Everything one sample needs under one condition.
+struct Prepared {
+  CColorSample sample;
+  CValueVector3 triple;
+};
+
+void Prepare(const QcSample& sample, const Condition& condition, const DifferenceChoice& system,
+             QcResult& result, Prepared& prepared) {
+  ComputeXYZ(sample.curve, condition.illuminant, condition.observer, result.xyz);
+  XYZToLab(condition.illuminant, condition.observer, result.xyz, result.lab);
+  FillColorSample(result.xyz, system.system, condition.illuminant, condition.observer,
+                  system.weights.data(), prepared.sample, prepared.triple);
+}
+
+QcSummary Summarise(const std::vector<QcSample>& trials, std::size_t condition) {
+  QcSummary summary;
+  std::vector<double> totals;
+  for (const QcSample& trial : trials) {
+    const QcResult& result = trial.results[condition];
+    ++summary.trials;
+    if (!result.computed) {
+      ++summary.rejected;
+      continue;
+    }
+    ++(result.pass ? summary.passed : summary.failed);
+    totals.push_back(std::fabs(result.difference[6]));
+  }
+  if (totals.empty()) return summary;
+  std::sort(totals.begin(), totals.end(), std::greater<>());
+  double sum = 0.0;
+  for (double total : totals) sum += total;
+  summary.mean = sum / static_cast<double>(totals.size());
+  summary.max = totals.front();
+  // The worst tenth, rounded up, at least one trial.
+  const std::size_t worst = std::max<std::size_t>(1, (totals.size() + 9) / 10);
+  double worstSum = 0.0;
+  for (std::size_t i = 0; i < worst; ++i) worstSum += totals[i];
+  summary.worst10 = worstSum / static_cast<double>(worst);
+  return summary;
+}
+
+}  // namespace
+
+std::vector<std::string> DifferenceSlotLabels(int system) {
+  std::vector<std::string> labels(7);
+  for (std::size_t i = 0; i < labels.size(); ++i) labels[i] = "(slot " + std::to_string(i + 1) + ")";
+  const std::vector<std::string> own =
+      SplitColumnLabels(LoadDifferenceString(system, DifferenceString::kDifferenceColumns));
+  const std::vector<int> slots = LabelledSlots(system, own.size());
+  for (std::size_t i = 0; i < own.size() && i < slots.size(); ++i) labels[slots[i]] = own[i];
+  return labels;
+}
+
+std::string MissingWavelengthText(const CKSData& curve) {
+  std::string text;
+  for (std::size_t i = 0; i < CKSData::kLength; ++i) {
+    if (!IsMissing(curve[i])) continue;
+    text += (text.empty() ? "" : ", ") +
+            std::to_string(kFirstWavelength + kWavelengthStep * static_cast<int>(i));
+  }
+  return text.empty() ? text : text + " nm";
+}
+
+bool QcReport::AllPassed() const {
+  return std::all_of(summaries.begin(), summaries.end(),
+                     [](const QcSummary& s) { return s.failed == 0 && s.rejected == 0; });
+}
+
+QcReport ComputeQcReport(const QcSettings& settings, QcSample standard, std::vector<QcSample> trials) {
+  QcReport report;
+  report.system = settings.system;
+  report.tolerance = settings.tolerance;
+  report.conditions = settings.conditions;
+  report.indices = settings.indices;
+  report.withStrength = settings.withStrength;
+  report.strength = settings.strength;
+  report.columnLabels = DifferenceSlotLabels(settings.system.system);
+  report.standard = std::move(standard);
+  report.trials = std::move(trials);
+
+  const DifferenceChoice& system = settings.system;
+  Prepared standardPrepared;
+  Prepared trialPrepared;
+  QcSample& reference = report.standard;
+  if (reference.hasMissing) reference.note = "missing values at " + MissingWavelengthText(reference.curve);
+  for (QcSample& trial : report.trials) {
+    if (trial.hasMissing) trial.note = "missing values at " + MissingWavelengthText(trial.curve);
+  }
+  for (std::size_t c = 0; c < settings.conditions.size(); ++c) {
+    Condition condition = settings.conditions[c];
+    EnsureWeightTable(condition.illuminant, condition.observer);
+    QcResult& base = reference.results.emplace_back();
+    Prepare(reference, condition, system, base, standardPrepared);
+    base.computed = !reference.hasMissing;
+    for (QcSample& trial : report.trials) {
+      QcResult& result = trial.results.emplace_back();
+      Prepare(trial, condition, system, result, trialPrepared);
+      result.computed = base.computed && !trial.hasMissing;
+      if (!result.computed) {
+        if (trial.note.empty()) trial.note = "standard has missing values";
+        continue;
+      }
+      ComputeColorDifference(standardPrepared.sample, trialPrepared.sample, system.system,
+                             condition.illuminant, condition.observer, system.weights.data(),
+                             result.difference, system.parameter);
+      for (std::size_t k = 0; k < 3; ++k) result.labDelta[k] = result.lab[k] - base.lab[k];
+      CDWordArray codes;
+      CDWordArray colours;
+      DescribeShade(base.lab[1], base.lab[2], result.labDelta[0], result.labDelta[1],
+                    result.labDelta[2], result.shade, codes, colours, 0);
+      result.pass = std::fabs(result.difference[6]) <= settings.tolerance;
+    }
+    report.summaries.push_back(Summarise(report.trials, c));
+  }
+
+  if (!settings.conditions.empty()) {
+    const Condition& first = settings.conditions.front();
+    if (!reference.hasMissing) {
+      report.toleranceContour =
+          ToleranceContour(reference.results.front().lab, first, system, settings.tolerance);
+    }
+    for (QcSample* sample : [&] {
+           std::vector<QcSample*> all{&reference};
+           for (QcSample& trial : report.trials) all.push_back(&trial);
+           return all;
+         }()) {
+      const CValueVector3& xyz = sample->results.front().xyz;
+      for (const IndexChoice& index : settings.indices) {
+        const IndexFormula* formula = FindIndexFormula(index.identifier);
+        sample->indices.push_back(formula != nullptr && formula->plain != nullptr && !sample->hasMissing
+                                      ? formula->plain(first.illuminant, first.observer, xyz)
+                                      : kMissing);
+      }
+      if (settings.withStrength) {
+        int wavelength = 0;
+        sample->strength =
+            reference.hasMissing || sample->hasMissing
+                ? kMissing
+                : CalcStrength(settings.strength.settings, reference.curve, sample->curve,
+                               reference.results.front().xyz, xyz, first.illuminant, first.observer,
+                               settings.strength.useAbsorbance, wavelength);
+      }
+    }
+  }
+  return report;
+}
+
+}  // namespace velquor::cli
+
+namespace velquor::cli {
+
+std::string ShadeWords(std::string_view shade) {
+  std::string words;
+  while (!shade.empty()) {
+    const std::size_t comma = std::min(shade.find(','), shade.size());
+    std::string_view word = shade.substr(0, comma);
+    while (!word.empty() && word.front() == ' ') word.remove_prefix(1);
+    while (!word.empty() && word.back() == ' ') word.remove_suffix(1);
+    if (!word.empty()) words += (words.empty() ? "" : ", ") + std::string(word);
+    shade.remove_prefix(comma == shade.size() ? comma : comma + 1);
+  }
+  return words;
+}
+
+}  // namespace velquor::cli

@@ -1,0 +1,28 @@
+// Rendering command results: tables (table.h) and the QC report (qc_report.h) as aligned
+// text for the terminal, CSV, JSON, or a self-contained HTML page.
+#pragma once
+
+#include <string>
+
+#include "qc_report.h"
+#include "table.h"
+
+namespace velquor::cli {
+
+std::string RenderTableText(const Table& table);
+std::string RenderTableCsv(const Table& table);
+std::string RenderTableJson(const Table& table);
+std::string RenderTableHtml(const Table& table);
+
+// The QC report as one table row per trial and condition, plus the batch summary.
+Table QcResultTable(const QcReport& report);
+std::string RenderQcText(const QcReport& report);
+std::string RenderQcCsv(const QcReport& report);
+std::string RenderQcJson(const QcReport& report);
+// One self-contained HTML file: no network, no scripts; plots as inline SVG.
+std::string RenderQcHtml(const QcReport& report);
+
+// HTML-escapes & < > " '.
+std::string EscapeHtml(std::string_view text);
+
+}  // namespace velquor::cli

@@ -1,0 +1,156 @@
+// Tables and the QC report as aligned text for the terminal, and as CSV.
+#include <algorithm>
+#include <cstdio>
+
+#include "report.h"
+#include "velquor/frame/constants.h"
+
+namespace velquor::cli {
+
+namespace {
+
+// Columns a text takes on a terminal: its UTF-8 code points ("ΔE*ab" is five).
+std::size_t DisplayWidth(std::string_view text) {
+  return static_cast<std::size_t>(std::count_if(
+      text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+}
+
+void AppendPadded(std::string& out, std::string_view text, std::size_t width, bool right) {
+  const std::size_t pad = width > DisplayWidth(text) ? width - DisplayWidth(text) : 0;
+  if (right) out.append(pad, ' ');
+  out.append(text);
+  if (!right) out.append(pad, ' ');
+}
+
+std::string CsvField(std::string_view text) {
+  if (text.find_first_of(",\"\n\r") == std::string_view::npos) return std::string(text);
+  std::string quoted = "\"";
+  for (char c : text) {
+    if (c == '"') quoted.push_back('"');
+    quoted.push_back(c);
+  }
+  quoted.push_back('"');
+  return quoted;
+}
+
+std::string Fixed(double value, int decimals) { return NumberCell(value, decimals).text; }
+
+}  // namespace
+
+std::string RenderTableText(const Table& table) {
+  std::vector<std::size_t> widths(table.headers.size(), 0);
+  std::vector<bool> numeric(table.headers.size(), true);
+  for (std::size_t c = 0; c < table.headers.size(); ++c) widths[c] = DisplayWidth(table.headers[c]);
+  for (const auto& row : table.rows) {
+    for (std::size_t c = 0; c < row.size() && c < widths.size(); ++c) {
+      widths[c] = std::max(widths[c], DisplayWidth(row[c].text));
+      if (!row[c].number) numeric[c] = false;
+    }
+  }
+  std::string out;
+  if (!table.title.empty()) out += table.title + "\n";
+  auto line = [&](const auto& texts) {
+    std::string row;
+    for (std::size_t c = 0; c < widths.size(); ++c) {
+      if (c > 0) row += "  ";
+      AppendPadded(row, c < texts.size() ? std::string_view(texts[c]) : "", widths[c],
+                   numeric[c] && !table.rows.empty());
+    }
+    while (!row.empty() && row.back() == ' ') row.pop_back();
+    out += row + "\n";
+  };
+  line(table.headers);
+  std::vector<std::string> texts;
+  for (const auto& row : table.rows) {
+    texts.clear();
+    for (const Cell& cell : row) texts.push_back(cell.text);
+    line(texts);
+  }
+  for (const std::string& note : table.notes) out += "note: " + note + "\n";
+  return out;
+}
+
+std::string RenderTableCsv(const Table& table) {
+  std::string out;
+  for (std::size_t c = 0; c < table.headers.size(); ++c) {
+    out += (c > 0 ? "," : "") + CsvField(table.headers[c]);
+  }
+  out += "\n";
+  for (const auto& row : table.rows) {
+    for (std::size_t c = 0; c < row.size(); ++c) {
+      // Missing values are empty fields, as the measurement files write them.
+      out += (c > 0 ? "," : "") + (row[c].missing ? std::string() : CsvField(row[c].text));
+    }
+    out += "\n";
+  }
+  return out;
+}
+
+Table QcResultTable(const QcReport& report) {
+  Table table;
+  table.title = "Standard " + report.standard.name + " — " + report.system.caption +
+                ", tolerance " + Fixed(report.tolerance, 2);
+  table.headers = {"trial", "condition"};
+  for (const std::string& label : report.columnLabels) table.headers.push_back(label);
+  table.headers.push_back("shade");
+  table.headers.push_back("result");
+  // Indices and strength are computed under the first condition and shown on its rows.
+  const std::string under =
+      report.conditions.size() > 1 ? " (" + report.conditions.front().label + ")" : "";
+  for (const IndexChoice& index : report.indices) table.headers.push_back(index.name + under);
+  if (report.withStrength) table.headers.push_back("strength %" + under);
+  for (const QcSample& trial : report.trials) {
+    for (std::size_t c = 0; c < report.conditions.size(); ++c) {
+      const QcResult& result = trial.results[c];
+      std::vector<Cell> row{TextCell(trial.name), TextCell(report.conditions[c].label)};
+      for (std::size_t slot = 0; slot < 7; ++slot) {
+        row.push_back(result.computed ? NumberCell(result.difference[slot], 2) : NumberCell(kMissing, 2));
+      }
+      if (result.computed) row[2 + 6].fail = !result.pass;
+      row.push_back(TextCell(result.computed ? ShadeWords(result.shade) : ""));
+      Cell verdict = TextCell(!result.computed ? "rejected" : result.pass ? "pass" : "fail");
+      verdict.fail = !result.pass;
+      row.push_back(verdict);
+      for (double value : trial.indices) row.push_back(c == 0 ? NumberCell(value, 2) : TextCell(""));
+      if (report.withStrength) row.push_back(c == 0 ? NumberCell(trial.strength, 2) : TextCell(""));
+      table.rows.push_back(std::move(row));
+    }
+    if (!trial.note.empty()) table.notes.push_back(trial.name + ": " + trial.note);
+  }
+  return table;
+}
+
+std::string RenderQcText(const QcReport& report) {
+  std::string out;
+  out += "Colour QC report\n";
+  out += "Standard: " + report.standard.name + " from " + report.standardSource + "\n";
+  out += "Trials: " + std::to_string(report.trials.size()) + " from " + report.trialsSource + "\n";
+  out += "Difference system: " + report.system.caption + "; tolerance " + Fixed(report.tolerance, 2) +
+         " " + report.columnLabels[6] + "\n";
+  out += "Conditions:";
+  for (const Condition& condition : report.conditions) out += " " + condition.label;
+  out += "\n";
+  if (report.withStrength) out += "Strength: " + report.strength.name + "\n";
+  for (const std::string& note : report.notes) out += "  " + note + "\n";
+  Table table = QcResultTable(report);
+  table.title.clear();  // the header above says it
+  out += "\n" + RenderTableText(table);
+  out += "\nBatch summary (" + report.columnLabels[6] + ")\n";
+  Table summary;
+  summary.headers = {"condition", "trials", "pass", "fail", "rejected", "mean", "max", "worst 10 %"};
+  for (std::size_t c = 0; c < report.summaries.size(); ++c) {
+    const QcSummary& s = report.summaries[c];
+    summary.rows.push_back({TextCell(report.conditions[c].label), NumberCell(s.trials, 0),
+                            NumberCell(s.passed, 0), NumberCell(s.failed, 0),
+                            NumberCell(s.rejected, 0), NumberCell(s.mean, 2), NumberCell(s.max, 2),
+                            NumberCell(s.worst10, 2)});
+  }
+  out += RenderTableText(summary);
+  out += report.AllPassed() ? "Batch accepted: every trial within tolerance.\n"
+                            : "Batch not accepted: see the trials marked fail or rejected.\n";
+  return out;
+}
+
+std::string RenderQcCsv(const QcReport& report) { return RenderTableCsv(QcResultTable(report)); }
+
+}  // namespace velquor::cli
