@@ -16,30 +16,22 @@ std::string ColorCheckerPath() {
   return std::string(VELQUOR_TEST_DATA_DIR) + "/samples/colorchecker_ohta_380_780_5nm.csv";
 }
 
-TEST(CsvSpectra, ReadsTheColorCheckerFile) {
-  MeasurementFile file;
-  const MeasurementStatus status = ReadCsvSpectraFile(ColorCheckerPath(), {}, file);
-  ASSERT_TRUE(status.ok) << status.error.Message();
-  EXPECT_EQ(file.format, MeasurementFormat::kCsv);
-  ASSERT_EQ(file.samples.size(), 24u);
-  ASSERT_EQ(file.wavelengths.size(), 81u);
-  EXPECT_EQ(file.wavelengths.front(), 380.0);
-  EXPECT_EQ(file.wavelengths.back(), 780.0);
-  EXPECT_EQ(file.SampleLabel(0), "dark skin");
-  EXPECT_EQ(file.SampleLabel(23), "black 2 (1.5 D)");
-  EXPECT_EQ(file.samples[0].line, 2u);
-  // Values as printed in the file ("dark skin": 0.0480 at 380 nm, 0.4210 at 780 nm).
-  EXPECT_EQ(file.samples[0].values.front(), 0.0480);
-  EXPECT_EQ(file.samples[0].values.back(), 0.4210);
-  EXPECT_EQ(file.scale, ReflectanceScale::kFraction);
-  EXPECT_TRUE(file.scaleDetected);
-  EXPECT_TRUE(file.notes.empty());
-}
-
+// The ColorChecker file reads as printed ("dark skin": 0.0480 at 380 nm, 0.4210 at 780 nm), and
 // CSV -> CGATS -> CSV keeps every value exactly and the sample names.
-TEST(CsvSpectra, ColorCheckerSurvivesConversionToCgatsAndBack) {
+TEST(CsvSpectra, ColorCheckerReadsAndSurvivesConversionToCgatsAndBack) {
   MeasurementFile csv;
-  ASSERT_TRUE(ReadCsvSpectraFile(ColorCheckerPath(), {}, csv).ok);
+  const MeasurementStatus read = ReadCsvSpectraFile(ColorCheckerPath(), {}, csv);
+  ASSERT_TRUE(read.ok) << read.error.Message();
+  EXPECT_EQ(csv.format, MeasurementFormat::kCsv);
+  ASSERT_EQ(csv.samples.size(), 24u);
+  ASSERT_EQ(csv.wavelengths.size(), 81u);
+  EXPECT_EQ(csv.wavelengths.back(), 780.0);
+  EXPECT_EQ(csv.SampleLabel(23), "black 2 (1.5 D)");
+  EXPECT_EQ(csv.samples[0].line, 2u);
+  EXPECT_EQ(csv.samples[0].values.front(), 0.0480);
+  EXPECT_EQ(csv.samples[0].values.back(), 0.4210);
+  EXPECT_EQ(csv.scale, ReflectanceScale::kFraction);
+  EXPECT_TRUE(csv.scaleDetected && csv.notes.empty());
   std::string cgatsText;
   ASSERT_TRUE(FormatCgats(csv, {}, cgatsText));
   EXPECT_NE(cgatsText.find("SAMPLE_NAME\tSPECTRAL_NM380\tSPECTRAL_NM385"), std::string::npos);
