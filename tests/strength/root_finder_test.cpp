@@ -18,18 +18,6 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 double Cubic(double x) {
   return x * x * x - 2.0 * x - 5.0;
 }
-double CosMinusX(double x) {
-  return std::cos(x) - x;
-}
-double SquareMinus2(double x) {
-  return x * x - 2.0;
-}
-double ExpMinus2(double x) {
-  return std::exp(x) - 2.0;
-}
-double Line(double x) {
-  return x - 1.0;
-}
 double SignStep(double x) {
   return x < 1.0 / 3.0 ? -1.0 : 1.0;
 }  // sign change at 1/3
@@ -49,12 +37,14 @@ const RootCase kRootCases[] = {
     {"Newton's cubic", Cubic, 2.0, 3.0, 1e-10, 2.0945514815423265, 8},
     {"Newton's cubic, ends reversed", Cubic, 3.0, 2.0, 1e-10, 2.0945514815423265, 8},
     {"Newton's cubic, full precision", Cubic, 2.0, 3.0, 0.0, 2.0945514815423265, 8},
+    {"cos x = x, full precision", [](double x) { return std::cos(x) - x; }, 0.0, 1.0, 0.0,
+     0.7390851332151607, 8},
     {"Newton's cubic, wide bracket", Cubic, -10.0, 10.0, 1e-10, 2.0945514815423265, 15},
-    {"cos x = x", CosMinusX, 0.0, 1.0, 1e-10, 0.7390851332151607, 8},
-    {"cos x = x, full precision", CosMinusX, 0.0, 1.0, 0.0, 0.7390851332151607, 8},
-    {"x^2 = 2", SquareMinus2, 1.0, 2.0, 1e-10, 1.4142135623730951, 8},
-    {"e^x = 2", ExpMinus2, 0.0, 1.0, 1e-10, 0.6931471805599453, 8},
-    {"line", Line, 0.0, 3.0, 1e-10, 1.0, 3},
+    {"cos x = x", [](double x) { return std::cos(x) - x; }, 0.0, 1.0, 1e-10, 0.7390851332151607, 8},
+    {"x^2 = 2", [](double x) { return x * x - 2.0; }, 1.0, 2.0, 1e-10, 1.4142135623730951, 8},
+    {"e^x = 2", [](double x) { return std::exp(x) - 2.0; }, 0.0, 1.0, 1e-10, 0.6931471805599453,
+     8},
+    {"line", [](double x) { return x - 1.0; }, 0.0, 3.0, 1e-10, 1.0, 3},
     {"sign step, bisection only", SignStep, 0.0, 1.0, 1e-10, 1.0 / 3.0, 35},
 };
 
