@@ -35,7 +35,7 @@ h2 { font-size: 16px; margin: 26px 0 10px; padding-bottom: 4px; border-bottom: 1
 .verdict.pass { color: var(--pass); background: var(--pass-bg); }
 .verdict.fail { color: var(--fail); background: var(--fail-bg); }
 table { border-collapse: collapse; font-variant-numeric: tabular-nums; }
-th, td { padding: 4px 10px; text-align: left; vertical-align: top; }
+th, td { padding: 4px 10px; text-align: left; vertical-align: baseline; }
 table.data th { background: var(--head); border-bottom: 1px solid var(--ink); font-weight: 600;
   white-space: nowrap; }
 table.data td { border-bottom: 1px solid var(--line); }
@@ -69,6 +69,7 @@ svg.plot text { font-family: inherit; }
 .key.tolerance { border: 1.5px solid #0969da; background: rgba(9, 105, 218, 0.1); }
 .key.standard { border-radius: 0; height: 3px; width: 16px; background: var(--ink);
   vertical-align: middle; }
+.closing { margin-top: 14px; }
 ul.notes { margin: 4px 0 0; padding-left: 20px; color: var(--muted); }
 footer { margin-top: 28px; padding-top: 8px; border-top: 1px solid var(--line); font-size: 12px;
   color: var(--muted); }
@@ -377,7 +378,8 @@ void RenderDifferences(std::string& out, const QcReport& report) {
              "\">";
       if (c == 0) {
         const std::string span = " rowspan=\"" + std::to_string(conditions) + "\"";
-        TableCell(out, std::to_string(i + 1), "num", span);
+        out += "<td class=\"num\"" + span + "><span class=\"tag\">" + std::to_string(i + 1) +
+               "</span></td>";
         TableCell(out, Name(trial.name), "name", span);
       }
       TableCell(out, report.conditions[c].label, "");
@@ -515,7 +517,7 @@ std::string RenderQcHtml(const QcReport& report) {
   RenderPlots(out, report);
   RenderDifferences(out, report);
   RenderCoordinates(out, report);
-  out += "<p class=\"subtitle\">Differences are trial minus standard. Colour swatches are "
+  out += "<p class=\"subtitle closing\">Differences are trial minus standard. Colour swatches are "
          "approximate sRGB renderings of the CIELAB values.</p>\n";
   ClosePage(out);
   return out;

@@ -113,7 +113,9 @@ void Text(std::string& out, double x, double y, std::string_view text, std::stri
   out += anchor;
   out += "\"";
   out += extra;
-  out += ">" + EscapeHtml(text) + "</text>\n";
+  out += '>';
+  out += EscapeHtml(text);
+  out += "</text>\n";
 }
 
 // Grid lines and tick labels of a horizontal value axis along the bottom of the frame.
@@ -302,7 +304,7 @@ std::string RenderDeltaLBars(const std::vector<DeltaBar>& bars) {
       if (n <= 15) {
         const double labelY = bar.value < 0 ? zero + height + 13 : zero - height - 5;
         out += "<text x=\"" + Px(centre) + "\" y=\"" + Px(labelY) +
-               "\" text-anchor=\"middle\" font-size=\"10\">" + FormatFixed(bar.value, 2) +
+               "\" text-anchor=\"middle\" font-size=\"10\">" + TickLabel(bar.value, 2) +
                "</text>";
       }
       out += "</g>\n";
@@ -328,7 +330,7 @@ std::string RenderSpectra(const std::vector<SpectrumLine>& lines) {
     }
   }
   const double yStep = NiceStep(high - low, 5);
-  low = std::floor(low / yStep - 1e-9) * yStep;
+  low = std::floor(low / yStep + 1e-9) * yStep;
   high = std::ceil(high / yStep - 1e-9) * yStep;
   const double lastWavelength = kFirstWavelength + kWavelengthStep * (kSpectrumPoints - 1.0);
   const Scale x{static_cast<double>(kFirstWavelength), lastWavelength, frame.left, frame.right};
@@ -362,7 +364,10 @@ std::string RenderSpectra(const std::vector<SpectrumLine>& lines) {
         continue;
       }
       const double wavelength = kFirstWavelength + kWavelengthStep * static_cast<double>(i);
-      path += (open ? "L" : "M") + Px(x(wavelength)) + " " + Px(y(v));
+      path += open ? 'L' : 'M';
+      path += Px(x(wavelength));
+      path += ' ';
+      path += Px(y(v));
       isolated = !open;
       open = true;
     }

@@ -1,0 +1,152 @@
+// The QC comparison: verdicts at the tolerance, batch statistics, missing values and the
+// tolerance shape, the last checked against LittleCMS's own difference formulas.
+#include <gtest/gtest.h>
+#include <lcms2.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "choices.h"
+#include "qc_report.h"
+#include "tolerance_contour.h"
+#include "velquor/frame/constants.h"
+
+namespace velquor::cli {
+namespace {
+
+QcSample Sample(const char* name, double level, double tilt) {
+  QcSample sample;
+  sample.name = name;
+  for (std::size_t i = 0; i < CKSData::kLength; ++i) {
+    sample.curve[i] = level + tilt * static_cast<double>(i);  // a yellowish ramp
+  }
+  return sample;
+}
+
+QcSettings Settings(const char* system, double tolerance, const char* conditions = "D65/10") {
+  QcSettings settings;
+  std::string error;
+  EXPECT_TRUE(ParseDifferenceSystem(system, settings.system, error)) << error;
+  EXPECT_TRUE(ParseConditions(conditions, 1, settings.conditions, error)) << error;
+  settings.tolerance = tolerance;
+  return settings;
+}
+
+TEST(QcReport, TrialExactlyAtTheTolerancePasses) {
+  const QcSample standard = Sample("std", 20, 1);
+  const QcReport probe = ComputeQcReport(Settings("cielab", 100), standard, {Sample("t", 21, 1)});
+  const double total = probe.trials[0].results[0].difference[6];
+  ASSERT_GT(total, 0.1);
+  EXPECT_TRUE(ComputeQcReport(Settings("cielab", total), standard, {Sample("t", 21, 1)}).AllPassed());
+  const QcReport below = ComputeQcReport(Settings("cielab", total * (1 - 1e-12)), standard, {Sample("t", 21, 1)});
+  EXPECT_FALSE(below.AllPassed());
+  EXPECT_EQ(below.summaries[0].failed, 1u);
+}
+
+TEST(QcReport, SummaryCountsAndWorstTenthRoundsUp) {
+  std::vector<QcSample> trials;
+  for (int i = 0; i < 11; ++i) trials.push_back(Sample("t", 20 + 0.1 * i, 1));
+  QcSample gap = Sample("gap", 20, 1);
+  gap.curve[14] = kMissing;
+  gap.hasMissing = true;
+  trials.push_back(gap);
+  const QcReport report = ComputeQcReport(Settings("cmc:2:1", 0.5, "D65/10,A/2"), Sample("std", 20, 1), trials);
+  ASSERT_EQ(report.summaries.size(), 2u);
+  for (std::size_t c = 0; c < 2; ++c) {
+    std::vector<double> totals;
+    for (const QcSample& trial : report.trials) {
+      if (trial.results[c].computed) totals.push_back(trial.results[c].difference[6]);
+    }
+    std::sort(totals.rbegin(), totals.rend());
+    const QcSummary& s = report.summaries[c];
+    EXPECT_EQ(s.trials, 12u);
+    EXPECT_EQ(s.rejected, 1u);
+    EXPECT_EQ(s.passed + s.failed, 11u);
+    EXPECT_EQ(s.passed, static_cast<std::size_t>(std::count_if(totals.begin(), totals.end(),
+                                                               [](double t) { return t <= 0.5; })));
+    EXPECT_DOUBLE_EQ(s.max, totals[0]);
+    EXPECT_DOUBLE_EQ(s.worst10, (totals[0] + totals[1]) / 2);  // 11 trials: the worst 2
+  }
+  EXPECT_EQ(report.trials.back().note, "missing values at 500 nm");
+  EXPECT_FALSE(report.trials.back().results[0].computed);
+}
+
+TEST(QcReport, MissingStandardRejectsEveryTrial) {
+  QcSample standard = Sample("std", 20, 1);
+  standard.curve[0] = kMissing;
+  standard.hasMissing = true;
+  const QcReport report = ComputeQcReport(Settings("cielab", 1), standard, {Sample("t", 20, 1)});
+  EXPECT_EQ(report.summaries[0].rejected, 1u);
+  EXPECT_TRUE(report.toleranceContour.empty());
+}
+
+TEST(QcReport, SlotLabelsFollowTheSystemsColumns) {
+  EXPECT_EQ(DifferenceSlotLabels(1),
+            (std::vector<std::string>{"ΔL*", "Δa*", "Δb*", "ΔL*cmc", "ΔC*cmc", "ΔH*cmc", "ΔE*cmc"}));
+  EXPECT_EQ(DifferenceSlotLabels(0),
+            (std::vector<std::string>{"ΔL*", "Δa*", "Δb*", "(slot 4)", "ΔC*", "ΔH*", "ΔE*ab"}));
+  EXPECT_EQ(DifferenceSlotLabels(3)[4], "ΔC");
+  EXPECT_EQ(DifferenceSlotLabels(2)[6], "ΔEab");
+  EXPECT_EQ(DifferenceSlotLabels(2)[3], "(slot 4)");
+}
+
+TEST(QcReport, ShadeWordsDropBlankFields) {
+  EXPECT_EQ(ShadeWords("Darker,Redder, "), "Darker, Redder");
+  EXPECT_EQ(ShadeWords(" , ,Bluer"), "Bluer");
+  EXPECT_EQ(ShadeWords(" , , "), "");
+}
+
+// Each contour point lies at the tolerance by an independent implementation of the system.
+// (LittleCMS weights CIE94 by the geometric mean chroma of the pair, not the standard's, so it
+// is no reference for that system.)
+struct ContourCase {
+  const char* system;
+  double (*reference)(const cmsCIELab& standard, const cmsCIELab& trial);
+};
+
+class ToleranceContourTest : public ::testing::TestWithParam<ContourCase> {};
+
+TEST_P(ToleranceContourTest, EveryPointIsAtTheTolerance) {
+  DifferenceChoice system;
+  std::string error;
+  ASSERT_TRUE(ParseDifferenceSystem(GetParam().system, system, error));
+  Condition d65;
+  ASSERT_TRUE(ParseCondition("D65/10", 1, d65, error));
+  CValueVector5 lab;
+  const double l = 55, a = 30, b = 40;  // an orange well away from the CIELAB breakpoint
+  lab[0] = l;
+  lab[1] = a;
+  lab[2] = b;
+  const double tolerance = 1.5;
+  const auto contour = ToleranceContour(lab, d65, system, tolerance);
+  ASSERT_EQ(contour.size(), static_cast<std::size_t>(kContourPoints));
+  double shortest = 1e9, longest = 0;
+  for (const auto& point : contour) {
+    const cmsCIELab s{l, a, b};
+    const cmsCIELab t{l, a + point[0], b + point[1]};
+    EXPECT_NEAR(GetParam().reference(s, t), tolerance, 1e-6) << point[0] << ", " << point[1];
+    shortest = std::min(shortest, std::hypot(point[0], point[1]));
+    longest = std::max(longest, std::hypot(point[0], point[1]));
+  }
+  if (std::string(GetParam().system) == "cielab") {
+    EXPECT_NEAR(longest - shortest, 0, 1e-6);  // a circle
+  } else {
+    EXPECT_GT(longest / shortest, 1.2);  // an ellipse
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Systems, ToleranceContourTest,
+    ::testing::Values(
+        ContourCase{"cielab", [](const cmsCIELab& s, const cmsCIELab& t) { return cmsDeltaE(&s, &t); }},
+        ContourCase{"cmc:2:1", [](const cmsCIELab& s, const cmsCIELab& t) { return cmsCMCdeltaE(&s, &t, 2, 1); }},
+        ContourCase{"cie2000:1:1:1",
+                    [](const cmsCIELab& s, const cmsCIELab& t) { return cmsCIE2000DeltaE(&s, &t, 1, 1, 1); }}),
+    [](const auto& info) {
+      std::string name = info.param.system;
+      std::replace_if(name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
+      return name;
+    });
+
+}  // namespace
+}  // namespace velquor::cli
