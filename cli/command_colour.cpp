@@ -109,7 +109,7 @@ int RunColour(CommandArgs args, CommandOutput& io, bool xyzOnly) {
   }
   std::vector<Condition> conditions;
   SampleSet set;
-  if (!ReadConditions(parsed, conditions, io) || !ReadSamples(parsed, parsed.positional[0], set, io)) {
+  if (!ReadConditions(parsed, conditions, io) || !ReadSamples(parsed, parsed.positional[0], set, io, parsed.Has("write"))) {
     return kExitUsage;
   }
   const SpaceColumns& columns = xyzOnly ? kXyzColumns : ColumnsOf(space);

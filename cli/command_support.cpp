@@ -69,14 +69,14 @@ bool ReadConditions(const ParsedArguments& args, std::vector<Condition>& out, Co
 }
 
 bool ReadSamples(const ParsedArguments& args, const std::string& path, SampleSet& out,
-                 CommandOutput& io) {
+                 CommandOutput& io, bool keepRows) {
   ReadOptions options;
   if (args.Has("scale") && !ParseScale(args.Get("scale"), options.scale)) {
     io.err += "velquor: unknown scale '" + args.Get("scale") + "' (use fraction, percent or auto)\n";
     return false;
   }
   std::string error;
-  if (!LoadSampleSet(path, options, out, error)) {
+  if (!LoadSampleSet(path, options, out, error, keepRows)) {
     io.err += "velquor: " + error + "\n";
     return false;
   }

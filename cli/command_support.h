@@ -30,9 +30,10 @@ bool ParseCommand(CommandArgs args, std::vector<OptionSpec> own, std::string_vie
 // error to io.err.
 bool ReadConditions(const ParsedArguments& args, std::vector<Condition>& out, CommandOutput& io);
 
-// Reads a measurement file with --scale applied. False after writing the error to io.err.
+// Reads a measurement file with --scale applied (see LoadSampleSet for `keepRows`). False
+// after writing the error to io.err.
 bool ReadSamples(const ParsedArguments& args, const std::string& path, SampleSet& out,
-                 CommandOutput& io);
+                 CommandOutput& io, bool keepRows = false);
 
 // Picks the standard: the sample named by --standard-name, else the first sample.
 bool PickStandard(const ParsedArguments& args, const SampleSet& set, QcSample& out, CommandOutput& io);

@@ -2,7 +2,10 @@
 // text for the terminal, CSV, JSON, or a self-contained HTML page.
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "qc_report.h"
 #include "table.h"
@@ -16,6 +19,10 @@ std::string RenderTableHtml(const Table& table);
 
 // The QC report as one table row per trial and condition, plus the batch summary.
 Table QcResultTable(const QcReport& report);
+// The same table's headers, and its row for `trial` under condition `condition` (into `row`).
+std::vector<std::string> QcResultHeaders(const QcReport& report);
+void QcResultRow(const QcReport& report, const QcSample& trial, std::size_t condition,
+                 std::vector<Cell>& row);
 std::string RenderQcText(const QcReport& report);
 std::string RenderQcCsv(const QcReport& report);
 std::string RenderQcJson(const QcReport& report);

@@ -179,11 +179,15 @@ std::string DisplayColour(double l, double a, double b) {
   return colour;
 }
 
-// The labels of the seven difference slots; slots with an empty label are not shown.
+// The difference slots shown: those the system labels. A slot the system leaves unused has
+// the label "(slot n)" (DifferenceSlotLabels) or none.
 std::vector<std::size_t> ShownSlots(const QcReport& report) {
   std::vector<std::size_t> slots;
   for (std::size_t s = 0; s < 7; ++s) {
-    if (s < report.columnLabels.size() && report.columnLabels[s].empty()) continue;
+    if (s < report.columnLabels.size()) {
+      const std::string& label = report.columnLabels[s];
+      if (label.empty() || label.rfind("(slot ", 0) == 0) continue;
+    }
     slots.push_back(s);
   }
   return slots;

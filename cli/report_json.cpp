@@ -1,4 +1,5 @@
 // Tables and the QC report as JSON (RFC 8259): numbers as numbers, missing values as null.
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -32,11 +33,8 @@ std::string Quote(std::string_view text) {
 std::string Number(double value) {
   if (IsMissing(value) || !std::isfinite(value)) return "null";
   char buffer[32];
-  for (int precision = 15; precision <= 17; ++precision) {
-    std::snprintf(buffer, sizeof buffer, "%.*g", precision, value);
-    if (std::strtod(buffer, nullptr) == value) break;
-  }
-  return buffer;
+  const auto end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
+  return std::string(buffer, end);
 }
 
 std::string CellJson(const Cell& cell) {

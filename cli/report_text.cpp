@@ -33,6 +33,23 @@ std::string CsvField(std::string_view text) {
   return quoted;
 }
 
+// One CSV line. Missing values are empty fields, as the measurement files write them.
+void AppendCsvRow(std::string& out, const std::vector<std::string>& fields) {
+  for (std::size_t c = 0; c < fields.size(); ++c) {
+    if (c > 0) out.push_back(',');
+    out += CsvField(fields[c]);
+  }
+  out.push_back('\n');
+}
+
+void AppendCsvRow(std::string& out, const std::vector<Cell>& cells) {
+  for (std::size_t c = 0; c < cells.size(); ++c) {
+    if (c > 0) out.push_back(',');
+    if (!cells[c].missing) out += CsvField(cells[c].text);
+  }
+  out.push_back('\n');
+}
+
 std::string Fixed(double value, int decimals) { return NumberCell(value, decimals).text; }
 
 }  // namespace
@@ -72,48 +89,49 @@ std::string RenderTableText(const Table& table) {
 
 std::string RenderTableCsv(const Table& table) {
   std::string out;
-  for (std::size_t c = 0; c < table.headers.size(); ++c) {
-    out += (c > 0 ? "," : "") + CsvField(table.headers[c]);
-  }
-  out += "\n";
-  for (const auto& row : table.rows) {
-    for (std::size_t c = 0; c < row.size(); ++c) {
-      // Missing values are empty fields, as the measurement files write them.
-      out += (c > 0 ? "," : "") + (row[c].missing ? std::string() : CsvField(row[c].text));
-    }
-    out += "\n";
-  }
+  AppendCsvRow(out, table.headers);
+  for (const auto& row : table.rows) AppendCsvRow(out, row);
   return out;
+}
+
+std::vector<std::string> QcResultHeaders(const QcReport& report) {
+  std::vector<std::string> headers = {"trial", "condition"};
+  for (const std::string& label : report.columnLabels) headers.push_back(label);
+  headers.push_back("shade");
+  headers.push_back("result");
+  // Indices and strength are computed under the first condition and shown on its rows.
+  const std::string under =
+      report.conditions.size() > 1 ? " (" + report.conditions.front().label + ")" : "";
+  for (const IndexChoice& index : report.indices) headers.push_back(index.name + under);
+  if (report.withStrength) headers.push_back("strength %" + under);
+  return headers;
+}
+
+void QcResultRow(const QcReport& report, const QcSample& trial, std::size_t c, std::vector<Cell>& row) {
+  const QcResult& result = trial.results[c];
+  row.clear();
+  row.push_back(TextCell(trial.name));
+  row.push_back(TextCell(report.conditions[c].label));
+  for (std::size_t slot = 0; slot < 7; ++slot) {
+    row.push_back(NumberCell(result.computed ? result.difference[slot] : kMissing, 2));
+  }
+  if (result.computed) row[2 + 6].fail = !result.pass;
+  row.push_back(TextCell(result.computed ? ShadeWords(result.shade) : ""));
+  Cell verdict = TextCell(!result.computed ? "rejected" : result.pass ? "pass" : "fail");
+  verdict.fail = !result.pass;
+  row.push_back(std::move(verdict));
+  for (double value : trial.indices) row.push_back(c == 0 ? NumberCell(value, 2) : TextCell(""));
+  if (report.withStrength) row.push_back(c == 0 ? NumberCell(trial.strength, 2) : TextCell(""));
 }
 
 Table QcResultTable(const QcReport& report) {
   Table table;
   table.title = "Standard " + report.standard.name + " — " + report.system.caption +
                 ", tolerance " + Fixed(report.tolerance, 2);
-  table.headers = {"trial", "condition"};
-  for (const std::string& label : report.columnLabels) table.headers.push_back(label);
-  table.headers.push_back("shade");
-  table.headers.push_back("result");
-  // Indices and strength are computed under the first condition and shown on its rows.
-  const std::string under =
-      report.conditions.size() > 1 ? " (" + report.conditions.front().label + ")" : "";
-  for (const IndexChoice& index : report.indices) table.headers.push_back(index.name + under);
-  if (report.withStrength) table.headers.push_back("strength %" + under);
+  table.headers = QcResultHeaders(report);
   for (const QcSample& trial : report.trials) {
     for (std::size_t c = 0; c < report.conditions.size(); ++c) {
-      const QcResult& result = trial.results[c];
-      std::vector<Cell> row{TextCell(trial.name), TextCell(report.conditions[c].label)};
-      for (std::size_t slot = 0; slot < 7; ++slot) {
-        row.push_back(result.computed ? NumberCell(result.difference[slot], 2) : NumberCell(kMissing, 2));
-      }
-      if (result.computed) row[2 + 6].fail = !result.pass;
-      row.push_back(TextCell(result.computed ? ShadeWords(result.shade) : ""));
-      Cell verdict = TextCell(!result.computed ? "rejected" : result.pass ? "pass" : "fail");
-      verdict.fail = !result.pass;
-      row.push_back(verdict);
-      for (double value : trial.indices) row.push_back(c == 0 ? NumberCell(value, 2) : TextCell(""));
-      if (report.withStrength) row.push_back(c == 0 ? NumberCell(trial.strength, 2) : TextCell(""));
-      table.rows.push_back(std::move(row));
+      QcResultRow(report, trial, c, table.rows.emplace_back());
     }
     if (!trial.note.empty()) table.notes.push_back(trial.name + ": " + trial.note);
   }
@@ -151,6 +169,18 @@ std::string RenderQcText(const QcReport& report) {
   return out;
 }
 
-std::string RenderQcCsv(const QcReport& report) { return RenderTableCsv(QcResultTable(report)); }
+// Row by row, without building the whole table: a batch may hold a million trials.
+std::string RenderQcCsv(const QcReport& report) {
+  std::string out;
+  AppendCsvRow(out, QcResultHeaders(report));
+  std::vector<Cell> row;
+  for (const QcSample& trial : report.trials) {
+    for (std::size_t c = 0; c < report.conditions.size(); ++c) {
+      QcResultRow(report, trial, c, row);
+      AppendCsvRow(out, row);
+    }
+  }
+  return out;
+}
 
 }  // namespace velquor::cli

@@ -35,7 +35,7 @@ bool MapSamples(SampleSet& set, std::string& error) {
 }  // namespace
 
 bool LoadSampleSet(const std::string& path, const ReadOptions& options, SampleSet& out,
-                   std::string& error) {
+                   std::string& error, bool keepRows) {
   SampleSet set;
   set.source = path;
   const MeasurementStatus status = ReadMeasurementFile(path, options, set.file);
@@ -44,6 +44,7 @@ bool LoadSampleSet(const std::string& path, const ReadOptions& options, SampleSe
     return false;
   }
   if (!MapSamples(set, error)) return false;
+  if (!keepRows) std::vector<MeasurementSample>().swap(set.file.samples);
   out = std::move(set);
   return true;
 }

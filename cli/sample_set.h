@@ -13,15 +13,16 @@ namespace velquor::cli {
 
 struct SampleSet {
   std::string source;               // the file name as given
-  MeasurementFile file;             // as read (kept for writing its other columns back)
+  MeasurementFile file;             // as read (its rows only when kept, for writing back)
   std::vector<QcSample> samples;    // name, line and curve of each sample
   std::vector<std::string> notes;   // scale, mapping, missing values
 };
 
 // Reads and maps `path`. False with a message naming the file (and the line) when the file
-// cannot be read or its wavelengths cannot be mapped.
+// cannot be read or its wavelengths cannot be mapped. Unless `keepRows`, the file's rows are
+// released once mapped (file.samples is then empty): large batches need only the curves.
 bool LoadSampleSet(const std::string& path, const ReadOptions& options, SampleSet& out,
-                   std::string& error);
+                   std::string& error, bool keepRows = false);
 // The same for CSV text held in memory (the demo's embedded spectra).
 bool LoadSampleSetFromCsv(std::string_view text, const std::string& source,
                           const ReadOptions& options, SampleSet& out, std::string& error);

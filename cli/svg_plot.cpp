@@ -284,11 +284,15 @@ std::string RenderDeltaLBars(const std::vector<DeltaBar>& bars) {
   if (n > 0) {
     const double slot = (frame.right - frame.left) / static_cast<double>(n);
     const double width = std::min(36.0, slot * 0.64);
-    const std::size_t labelEvery = (n + 29) / 30;  // at most 30 labels along the axis
+    // Every k-th trial is labelled so that labels of the widest number do not touch.
+    const double labelWidth = 7.0 * static_cast<double>(std::to_string(n).size()) + 6.0;
+    const auto labelEvery = static_cast<std::size_t>(std::max(1.0, std::ceil(labelWidth / slot)));
     for (std::size_t i = 0; i < n; ++i) {
       const DeltaBar& bar = bars[i];
       const double centre = frame.left + slot * (static_cast<double>(i) + 0.5);
-      if (i % labelEvery == 0) Text(out, centre, frame.bottom + 18, bar.label, "middle");
+      if ((i + 1) % labelEvery == 0 || labelEvery == 1) {
+        Text(out, centre, frame.bottom + 18, bar.label, "middle");
+      }
       if (!bar.computed || !Usable(bar.value)) {
         out += "<g class=\"bar rejected\"><title>" + EscapeHtml(bar.title) + "</title><path d=\"M" +
                Px(centre - 4) + " " + Px(zero - 4) + "l8 8m0 -8l-8 8\" stroke=\"" + kMutedColour +
