@@ -29,7 +29,8 @@ body { margin: 0 auto; max-width: 1180px; padding: 28px 32px 40px; color: var(--
 header { border-bottom: 2px solid var(--ink); padding-bottom: 12px; margin-bottom: 8px; }
 h1 { font-size: 24px; margin: 0 0 2px; letter-spacing: -0.01em; }
 .subtitle { color: var(--muted); margin: 0; }
-h2 { font-size: 16px; margin: 26px 0 10px; padding-bottom: 4px; border-bottom: 1px solid var(--line); }
+h2 { font-size: 16px; margin: 26px 0 10px; padding-bottom: 4px;
+  border-bottom: 1px solid var(--line); }
 .verdict { display: inline-block; margin: 10px 0 0; padding: 4px 12px; border-radius: 14px;
   font-weight: 700; }
 .verdict.pass { color: var(--pass); background: var(--pass-bg); }
@@ -49,8 +50,8 @@ td.warn { color: var(--warn); font-weight: 600; }
 td.missing { color: var(--muted); }
 tr.rejected td.reason { color: var(--muted); font-style: italic; }
 td.result { text-transform: uppercase; font-size: 12px; letter-spacing: 0.04em; }
-.tag { display: inline-block; min-width: 22px; text-align: center; font-size: 12px; font-weight: 700;
-  color: var(--muted); }
+.tag { display: inline-block; min-width: 22px; text-align: center; font-size: 12px;
+  font-weight: 700; color: var(--muted); }
 .swatch { display: inline-block; width: 28px; height: 16px; border: 1px solid #8c959f;
   border-radius: 3px; vertical-align: middle; }
 .figures { display: flex; flex-wrap: wrap; gap: 18px; }
@@ -81,7 +82,9 @@ footer { margin-top: 28px; padding-top: 8px; border-top: 1px solid var(--line); 
 }
 )css";
 
-std::string Html(std::string_view text) { return EscapeHtml(text); }
+std::string Html(std::string_view text) {
+  return EscapeHtml(text);
+}
 
 void OpenPage(std::string& out, std::string_view title) {
   out += "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n";
@@ -99,7 +102,7 @@ void ClosePage(std::string& out) {
 
 // A table cell; `classes` may be empty.
 void TableCell(std::string& out, std::string_view text, std::string_view classes,
-          std::string_view attributes = {}) {
+               std::string_view attributes = {}) {
   out += "<td";
   if (!classes.empty()) {
     out += " class=\"";
@@ -110,10 +113,14 @@ void TableCell(std::string& out, std::string_view text, std::string_view classes
   out += ">" + Html(text) + "</td>";
 }
 
-bool Usable(double v) { return std::isfinite(v) && !IsMissing(v); }
+bool Usable(double v) {
+  return std::isfinite(v) && !IsMissing(v);
+}
 
 // A value with `decimals` digits, or "missing".
-std::string Value(double v, int decimals) { return Usable(v) ? FormatFixed(v, decimals) : "missing"; }
+std::string Value(double v, int decimals) {
+  return Usable(v) ? FormatFixed(v, decimals) : "missing";
+}
 
 void ValueCell(std::string& out, double v, int decimals, std::string_view extraClass = {}) {
   std::string classes = Usable(v) ? "num" : "num missing";
@@ -121,7 +128,9 @@ void ValueCell(std::string& out, double v, int decimals, std::string_view extraC
   TableCell(out, Value(v, decimals), classes);
 }
 
-std::string Name(const std::string& name) { return name.empty() ? "(unnamed)" : name; }
+std::string Name(const std::string& name) {
+  return name.empty() ? "(unnamed)" : name;
+}
 
 // "Darker,Redder, " -> "Darker, Redder".
 std::string TidyShade(std::string_view shade) {
@@ -160,13 +169,13 @@ std::string DisplayColour(double l, double a, double b) {
   std::array<double, 3> xyz{};
   for (int i = 0; i < 3; ++i) {
     const double t = f[i];
-    const double linear = t > 6.0 / 29.0 ? t * t * t : 3.0 * (6.0 / 29.0) * (6.0 / 29.0) * (t - 4.0 / 29.0);
+    const double linear =
+        t > 6.0 / 29.0 ? t * t * t : 3.0 * (6.0 / 29.0) * (6.0 / 29.0) * (t - 4.0 / 29.0);
     xyz[i] = white[i] * linear;
   }
-  const std::array<double, 3> rgb{
-      3.2406 * xyz[0] - 1.5372 * xyz[1] - 0.4986 * xyz[2],
-      -0.9689 * xyz[0] + 1.8758 * xyz[1] + 0.0415 * xyz[2],
-      0.0557 * xyz[0] - 0.2040 * xyz[1] + 1.0570 * xyz[2]};
+  const std::array<double, 3> rgb{3.2406 * xyz[0] - 1.5372 * xyz[1] - 0.4986 * xyz[2],
+                                  -0.9689 * xyz[0] + 1.8758 * xyz[1] + 0.0415 * xyz[2],
+                                  0.0557 * xyz[0] - 0.2040 * xyz[1] + 1.0570 * xyz[2]};
   static constexpr char kHex[] = "0123456789abcdef";
   std::string colour = "#";
   for (double c : rgb) {
@@ -247,7 +256,8 @@ void RenderHeader(std::string& out, const QcReport& report) {
   }
   if (!report.standard.note.empty()) out += " (" + Html(report.standard.note) + ")";
   out += "</td></tr>\n";
-  out += "<tr><th>Trials</th><td>" + std::to_string(trials) + (trials == 1 ? " sample" : " samples");
+  out +=
+      "<tr><th>Trials</th><td>" + std::to_string(trials) + (trials == 1 ? " sample" : " samples");
   if (!report.trialsSource.empty()) out += " from " + Html(report.trialsSource);
   out += "</td></tr>\n";
   out += "<tr><th>Difference system</th><td>" + Html(report.system.caption) + "</td></tr>\n";
@@ -281,11 +291,17 @@ void RenderHeader(std::string& out, const QcReport& report) {
 
 void RenderSummary(std::string& out, const QcReport& report) {
   const std::string total = SlotLabel(report, kTotalSlot);
-  out += "<h2 id=\"summary\">Batch summary</h2>\n<table class=\"data summary\">\n<thead><tr><th>Condition</th>"
-         "<th class=\"num\">Trials</th><th class=\"num\">Passed</th><th class=\"num\">Failed</th>"
-         "<th class=\"num\">Rejected</th><th class=\"num\">Mean " + Html(total) + "</th>"
-         "<th class=\"num\">Max " + Html(total) + "</th><th class=\"num\">Worst 10 %</th>"
-         "</tr></thead>\n<tbody>\n";
+  out +=
+      "<h2 id=\"summary\">Batch summary</h2>\n<table class=\"data "
+      "summary\">\n<thead><tr><th>Condition</th>"
+      "<th class=\"num\">Trials</th><th class=\"num\">Passed</th><th class=\"num\">Failed</th>"
+      "<th class=\"num\">Rejected</th><th class=\"num\">Mean " +
+      Html(total) +
+      "</th>"
+      "<th class=\"num\">Max " +
+      Html(total) +
+      "</th><th class=\"num\">Worst 10 %</th>"
+      "</tr></thead>\n<tbody>\n";
   for (std::size_t c = 0; c < report.summaries.size(); ++c) {
     const QcSummary& s = report.summaries[c];
     const bool anyComputed = s.trials > s.rejected;
@@ -328,8 +344,8 @@ void RenderPlots(std::string& out, const QcReport& report) {
     const std::string values = "ΔL* " + Value(d[0], 2) + ", Δa* " + Value(d[1], 2) + ", Δb* " +
                                Value(d[2], 2) + ", " + total + " " +
                                Value(result->difference[kTotalSlot], 2);
-    const std::string title = number + " " + Name(trial.name) + ": " + values +
-                              (result->pass ? " (pass)" : " (fail)");
+    const std::string title =
+        number + " " + Name(trial.name) + ": " + values + (result->pass ? " (pass)" : " (fail)");
     markers.push_back({d[1], d[2], number, title, result->pass});
     bar.value = d[0];
     bar.computed = true;
@@ -339,8 +355,8 @@ void RenderPlots(std::string& out, const QcReport& report) {
   }
 
   std::vector<SpectrumLine> lines;
-  lines.push_back({&report.standard.curve, "STD " + Name(report.standard.name), "#1f2328", true,
-                   false});
+  lines.push_back(
+      {&report.standard.curve, "STD " + Name(report.standard.name), "#1f2328", true, false});
   for (std::size_t i = 0; i < report.trials.size(); ++i) {
     const QcSample& trial = report.trials[i];
     lines.push_back({&trial.curve, std::to_string(i + 1) + " " + Name(trial.name), TrialColour(i),
@@ -349,26 +365,34 @@ void RenderPlots(std::string& out, const QcReport& report) {
 
   out += "<h2 id=\"plots\">Plots";
   if (!condition.empty()) out += " (" + Html(condition) + ")";
-  out += "</h2>\n<div class=\"figures\">\n<figure>\n" + RenderAbPlot(markers, report.toleranceContour);
+  out +=
+      "</h2>\n<div class=\"figures\">\n<figure>\n" + RenderAbPlot(markers, report.toleranceContour);
   out += "\n<figcaption><span class=\"key pass\"></span>pass<span class=\"key fail\"></span>fail";
   if (!report.toleranceContour.empty()) {
     out += "<span class=\"key tolerance\"></span>tolerance " + Html(total) + " = " +
            FormatFixed(report.tolerance, 2) + " at ΔL* = 0";
   }
-  out += ". Trials numbered as in the tables; the standard at the centre.</figcaption>\n"
-         "</figure>\n<figure>\n" + RenderDeltaLBars(bars);
-  out += "\n<figcaption><span class=\"key pass\"></span>pass<span class=\"key fail\"></span>fail. "
-         "ΔL* of each trial against the standard; &times; marks a rejected trial.</figcaption>\n"
-         "</figure>\n<figure class=\"wide\">\n" + RenderSpectra(lines);
-  out += "\n<figcaption><span class=\"key standard\"></span>standard (thick) and trials; dashed "
-         "curves belong to rejected trials, gaps to missing points.</figcaption>\n</figure>\n"
-         "</div>\n";
+  out +=
+      ". Trials numbered as in the tables; the standard at the centre.</figcaption>\n"
+      "</figure>\n<figure>\n" +
+      RenderDeltaLBars(bars);
+  out +=
+      "\n<figcaption><span class=\"key pass\"></span>pass<span class=\"key fail\"></span>fail. "
+      "ΔL* of each trial against the standard; &times; marks a rejected trial.</figcaption>\n"
+      "</figure>\n<figure class=\"wide\">\n" +
+      RenderSpectra(lines);
+  out +=
+      "\n<figcaption><span class=\"key standard\"></span>standard (thick) and trials; dashed "
+      "curves belong to rejected trials, gaps to missing points.</figcaption>\n</figure>\n"
+      "</div>\n";
 }
 
 void RenderDifferences(std::string& out, const QcReport& report) {
   const std::vector<std::size_t> slots = ShownSlots(report);
-  out += "<h2 id=\"differences\">Standard vs trials</h2>\n<table class=\"data differences\">\n<thead><tr>"
-         "<th class=\"num\">#</th><th>Trial</th><th>Condition</th>";
+  out +=
+      "<h2 id=\"differences\">Standard vs trials</h2>\n<table class=\"data "
+      "differences\">\n<thead><tr>"
+      "<th class=\"num\">#</th><th>Trial</th><th>Condition</th>";
   for (std::size_t s : slots) out += "<th class=\"num\">" + Html(SlotLabel(report, s)) + "</th>";
   out += "<th>Shade</th><th>Result</th></tr></thead>\n";
   const std::size_t conditions = report.conditions.size();
@@ -378,7 +402,10 @@ void RenderDifferences(std::string& out, const QcReport& report) {
     for (std::size_t c = 0; c < conditions; ++c) {
       const QcResult* result = ResultOf(trial, c);
       const bool computed = result != nullptr && result->computed;
-      out += std::string("<tr class=\"") + (!computed ? "rejected" : result->pass ? "pass" : "fail") +
+      out += std::string("<tr class=\"") +
+             (!computed      ? "rejected"
+              : result->pass ? "pass"
+                             : "fail") +
              "\">";
       if (c == 0) {
         const std::string span = " rowspan=\"" + std::to_string(conditions) + "\"";
@@ -397,7 +424,8 @@ void RenderDifferences(std::string& out, const QcReport& report) {
           ValueCell(out, v, 2, s == kTotalSlot && !result->pass ? "fail" : "");
         }
         TableCell(out, TidyShade(result->shade), "shade");
-        TableCell(out, result->pass ? "pass" : "fail", result->pass ? "result pass" : "result fail");
+        TableCell(out, result->pass ? "pass" : "fail",
+                  result->pass ? "result pass" : "result fail");
       }
       out += "</tr>\n";
     }
@@ -411,9 +439,10 @@ void RenderDifferences(std::string& out, const QcReport& report) {
 void RenderCoordinates(std::string& out, const QcReport& report) {
   out += "<h2 id=\"coordinates\">Colour coordinates";
   if (!report.conditions.empty()) out += " (" + Html(report.conditions[0].label) + ")";
-  out += "</h2>\n<table class=\"data coordinates\">\n<thead><tr><th class=\"num\">#</th>"
-         "<th>Sample</th><th>Colour</th><th class=\"num\">L*</th><th class=\"num\">a*</th>"
-         "<th class=\"num\">b*</th><th class=\"num\">C*ab</th><th class=\"num\">hab</th>";
+  out +=
+      "</h2>\n<table class=\"data coordinates\">\n<thead><tr><th class=\"num\">#</th>"
+      "<th>Sample</th><th>Colour</th><th class=\"num\">L*</th><th class=\"num\">a*</th>"
+      "<th class=\"num\">b*</th><th class=\"num\">C*ab</th><th class=\"num\">hab</th>";
   for (const IndexChoice& index : report.indices) {
     out += "<th class=\"num\">" + Html(index.name) + "</th>";
   }
@@ -427,11 +456,13 @@ void RenderCoordinates(std::string& out, const QcReport& report) {
     TableCell(out, Name(sample.name), standard ? "name standard" : "name");
     if (computed) {
       const CValueVector5& lab = result->lab;
-      const bool drawable = lab.GetSize() >= 3 && Usable(lab[0]) && Usable(lab[1]) && Usable(lab[2]);
+      const bool drawable =
+          lab.GetSize() >= 3 && Usable(lab[0]) && Usable(lab[1]) && Usable(lab[2]);
       out += "<td>";
       if (drawable) {
-        out += "<span class=\"swatch\" style=\"background:" + DisplayColour(lab[0], lab[1], lab[2]) +
-               "\" title=\"approximate display colour\"></span>";
+        out +=
+            "<span class=\"swatch\" style=\"background:" + DisplayColour(lab[0], lab[1], lab[2]) +
+            "\" title=\"approximate display colour\"></span>";
       }
       out += "</td>";
       for (std::size_t k = 0; k < 5; ++k) ValueCell(out, k < lab.GetSize() ? lab[k] : kMissing, 2);
@@ -465,12 +496,23 @@ std::string EscapeHtml(std::string_view text) {
   out.reserve(text.size());
   for (char ch : text) {
     switch (ch) {
-      case '&': out += "&amp;"; break;
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '"': out += "&quot;"; break;
-      case '\'': out += "&#39;"; break;
-      default: out += ch;
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      case '\'':
+        out += "&#39;";
+        break;
+      default:
+        out += ch;
     }
   }
   return out;
@@ -521,8 +563,9 @@ std::string RenderQcHtml(const QcReport& report) {
   RenderPlots(out, report);
   RenderDifferences(out, report);
   RenderCoordinates(out, report);
-  out += "<p class=\"subtitle closing\">Differences are trial minus standard. Colour swatches are "
-         "approximate sRGB renderings of the CIELAB values.</p>\n";
+  out +=
+      "<p class=\"subtitle closing\">Differences are trial minus standard. Colour swatches are "
+      "approximate sRGB renderings of the CIELAB values.</p>\n";
   ClosePage(out);
   return out;
 }

@@ -38,7 +38,9 @@ struct Scale {
   double operator()(double v) const { return from + (v - low) * (to - from) / (high - low); }
 };
 
-bool Usable(double v) { return std::isfinite(v) && !IsMissing(v); }
+bool Usable(double v) {
+  return std::isfinite(v) && !IsMissing(v);
+}
 
 // A tick label, negative values with the typographic minus sign U+2212.
 std::string TickLabel(double v, int decimals) {
@@ -47,7 +49,9 @@ std::string TickLabel(double v, int decimals) {
   return text;
 }
 
-std::string Px(double v) { return FormatFixed(v, 1); }
+std::string Px(double v) {
+  return FormatFixed(v, 1);
+}
 
 // Digits after the point that show every multiple of `step` exactly (step 0.5 -> 1, 5 -> 0).
 int StepDecimals(double step) {
@@ -101,8 +105,8 @@ void OpenSvg(std::string& out, const char* id, const Frame& frame, std::string_v
 
 void Line(std::string& out, double x1, double y1, double x2, double y2, const char* colour,
           double width, std::string_view extra = {}) {
-  out += "<line x1=\"" + Px(x1) + "\" y1=\"" + Px(y1) + "\" x2=\"" + Px(x2) + "\" y2=\"" +
-         Px(y2) + "\" stroke=\"" + colour + "\" stroke-width=\"" + FormatFixed(width, 1) + "\"";
+  out += "<line x1=\"" + Px(x1) + "\" y1=\"" + Px(y1) + "\" x2=\"" + Px(x2) + "\" y2=\"" + Px(y2) +
+         "\" stroke=\"" + colour + "\" stroke-width=\"" + FormatFixed(width, 1) + "\"";
   out += extra;
   out += "/>\n";
 }
@@ -160,16 +164,15 @@ std::string FormatFixed(double value, int decimals) {
   if (std::isnan(value)) return "nan";
   if (std::isinf(value)) return value < 0 ? "-inf" : "inf";
   std::array<char, 400> buffer{};
-  std::to_chars_result written = std::to_chars(buffer.data(), buffer.data() + buffer.size(),
-                                               value, std::chars_format::fixed,
-                                               std::clamp(decimals, 0, 17));
+  std::to_chars_result written =
+      std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::fixed,
+                    std::clamp(decimals, 0, 17));
   if (written.ec != std::errc()) {
     written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
   }
   const char* end = written.ptr;
   std::string text(buffer.data(), static_cast<std::size_t>(end - buffer.data()));
-  if (!text.empty() && text[0] == '-' &&
-      text.find_first_not_of("0.", 1) == std::string::npos) {
+  if (!text.empty() && text[0] == '-' && text.find_first_not_of("0.", 1) == std::string::npos) {
     text.erase(0, 1);
   }
   return text;
@@ -308,8 +311,7 @@ std::string RenderDeltaLBars(const std::vector<DeltaBar>& bars) {
       if (n <= 15) {
         const double labelY = bar.value < 0 ? zero + height + 13 : zero - height - 5;
         out += "<text x=\"" + Px(centre) + "\" y=\"" + Px(labelY) +
-               "\" text-anchor=\"middle\" font-size=\"10\">" + TickLabel(bar.value, 2) +
-               "</text>";
+               "\" text-anchor=\"middle\" font-size=\"10\">" + TickLabel(bar.value, 2) + "</text>";
       }
       out += "</g>\n";
     }

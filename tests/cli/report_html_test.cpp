@@ -223,7 +223,8 @@ TEST(RenderHtml, IsSelfContained) {
     EXPECT_NE(html.find("<meta charset=\"utf-8\">"), std::string::npos);
     const std::string lower = [&] {
       std::string s = html;
-      std::transform(s.begin(), s.end(), s.begin(), [](unsigned char c) { return std::tolower(c); });
+      std::transform(s.begin(), s.end(), s.begin(),
+                     [](unsigned char c) { return std::tolower(c); });
       return s;
     }();
     for (const char* forbidden : {"<script", "javascript:", "src=", "href=", "@import", "url(",
@@ -261,6 +262,30 @@ TEST(RenderQcHtml, ColoursTheFailedTotalOnly) {
   EXPECT_TRUE(All(blocks[2], failCell).empty());
 }
 
+// A slot the system leaves unused has no column, and every row keeps to the header's columns.
+TEST(RenderQcHtml, LeavesOutUnusedSlotsAndKeepsColumnsAligned) {
+  QcReport report = MakeReport();
+  report.columnLabels = {"ΔL*", "Δa*", "Δb*", "(slot 4)", "ΔC*", "ΔH*", "ΔE*ab"};
+  report.trials[0].results[0].difference[3] = 777.0;  // in the unused slot: not shown
+  const std::string table =
+      Element(RenderQcHtml(report), "class=\"data differences\"", "<table", "</table>");
+  EXPECT_EQ(table.find("(slot 4)"), std::string::npos);
+  EXPECT_EQ(table.find("777.00"), std::string::npos);
+  const std::size_t columns =
+      All(Element(table, "<thead>", "<thead>", "</thead>"), "<th[ >]").size();
+  EXPECT_EQ(columns, 3u + 6u + 2u);  // #, trial, condition; six slots; shade, result
+  // First rows of a trial carry # and trial (rowspan); later rows do not.
+  for (const std::string& row : All(table, "<tr class=\"(pass|fail|rejected)\">.*?</tr>")) {
+    std::size_t cells = 0;
+    for (const std::string& cell : All(row, "<td[^>]*>")) {
+      const std::string span = Attribute(cell, "colspan");
+      cells += span.empty() ? 1 : std::stoul(span);
+    }
+    const bool first = row.find("rowspan") != std::string::npos;
+    EXPECT_EQ(cells + (first ? 0 : 2), columns) << row;
+  }
+}
+
 // The batch summary colours a statistic only above the tolerance, not at it.
 TEST(RenderQcHtml, SummaryColoursStatisticsAboveTheTolerance) {
   const struct {
@@ -274,8 +299,8 @@ TEST(RenderQcHtml, SummaryColoursStatisticsAboveTheTolerance) {
     report.summaries[0].mean = 0.5;
     report.summaries[0].max = c.max;
     report.summaries[0].worst10 = 0.9;
-    const std::string table = Element(RenderQcHtml(report), "class=\"data summary\"", "<table",
-                                      "</table>");
+    const std::string table =
+        Element(RenderQcHtml(report), "class=\"data summary\"", "<table", "</table>");
     EXPECT_EQ(!All(table, R"(<td class="[^"]*\bfail\b)").empty(), c.coloured) << c.max;
   }
 }
@@ -298,10 +323,12 @@ TEST(RenderQcHtml, ShowsRejectedSamplesWithTheirNote) {
 // every trial inside the plot, whichever of the two is larger.
 TEST(RenderQcHtml, ContourAndTrialsShareOneScaleInsideTheViewBox) {
   const struct {
-    double a, b;         // contour semi-axes
-    double da, db;       // the failing trial
+    double a, b;    // contour semi-axes
+    double da, db;  // the failing trial
     int points;
-  } cases[] = {{0.8, 1.2, 1.5, 0.5, 36}, {0.5, 0.3, -6.0, 4.0, 72}, {40, 25, 0.2, -0.1, 8},
+  } cases[] = {{0.8, 1.2, 1.5, 0.5, 36},
+               {0.5, 0.3, -6.0, 4.0, 72},
+               {40, 25, 0.2, -0.1, 8},
                {900, 999, 999.99, -999.99, 90}};
   for (const auto& c : cases) {
     QcReport report = MakeReport();
@@ -382,7 +409,8 @@ TEST(RenderQcHtml, SpectralCurvesBreakAtMissingPoints) {
   EXPECT_EQ(std::count(pieces.begin(), pieces.end(), 2u), 1) << svg;
   EXPECT_EQ(std::count(pieces.begin(), pieces.end(), 1u), 3);
   // 40 points at 360-750 nm span the plot from left to right: the first and last x.
-  const std::vector<double> standard = Numbers(Attribute(Element(svg, "curve standard", "<path", ">"), "d"));
+  const std::vector<double> standard =
+      Numbers(Attribute(Element(svg, "curve standard", "<path", ">"), "d"));
   ASSERT_EQ(standard.size(), 80u);
   EXPECT_LT(standard[0], standard[78]);
   EXPECT_NEAR((standard[78] - standard[0]) / (standard[2] - standard[0]), 39.0, 0.1);
