@@ -59,12 +59,11 @@ std::size_t Utf8Length(unsigned char lead) {
   return 1;
 }
 
-}  // namespace
-
-bool FormatDatePicture(const LocaleDescription& locale, const CalendarTime& time,
-                       std::string_view picture, std::string& out) {
-  out.clear();
-  if (!IsValid(time)) return false;
+// Walks a date or time picture: quoted text is copied without its quotes, every run of one
+// letter goes to `field` (which returns false for a letter that is no field: the run is then
+// copied as it stands).
+template <typename Field>
+void ExpandPicture(std::string_view picture, std::string& out, Field field) {
   std::size_t i = 0;
   while (i < picture.size()) {
     const char c = picture[i];
@@ -73,6 +72,18 @@ bool FormatDatePicture(const LocaleDescription& locale, const CalendarTime& time
       continue;
     }
     const std::size_t run = RunLength(picture, i);
+    if (!field(c, run)) out.append(run, c);
+    i += run;
+  }
+}
+
+}  // namespace
+
+bool FormatDatePicture(const LocaleDescription& locale, const CalendarTime& time,
+                       std::string_view picture, std::string& out) {
+  out.clear();
+  if (!IsValid(time)) return false;
+  ExpandPicture(picture, out, [&](char c, std::size_t run) {
     switch (c) {
       case 'd':
         if (run <= 2) {
@@ -81,7 +92,7 @@ bool FormatDatePicture(const LocaleDescription& locale, const CalendarTime& time
           const auto& names = run == 3 ? locale.dayAbbreviations : locale.dayNames;
           out += names[static_cast<std::size_t>(time.dayOfWeek)];
         }
-        break;
+        return true;
       case 'M':
         if (run <= 2) {
           AppendNumber(time.month, run == 2, out);
@@ -89,7 +100,7 @@ bool FormatDatePicture(const LocaleDescription& locale, const CalendarTime& time
           const auto& names = run == 3 ? locale.monthAbbreviations : locale.monthNames;
           out += names[static_cast<std::size_t>(time.month - 1)];
         }
-        break;
+        return true;
       case 'y':
         if (run == 1) {
           AppendNumber(time.year % 10, false, out);
@@ -98,16 +109,14 @@ bool FormatDatePicture(const LocaleDescription& locale, const CalendarTime& time
         } else {
           AppendNumber(time.year, false, out);
         }
-        break;
+        return true;
       case 'g':
         out += locale.era;
-        break;
+        return true;
       default:
-        out.append(run, c);
-        break;
+        return false;
     }
-    i += run;
-  }
+  });
   return true;
 }
 
@@ -115,45 +124,33 @@ bool FormatTimePicture(const LocaleDescription& locale, const CalendarTime& time
                        std::string_view picture, std::string& out) {
   out.clear();
   if (!IsValid(time)) return false;
-  std::size_t i = 0;
-  while (i < picture.size()) {
-    const char c = picture[i];
-    if (c == '\'') {
-      i = CopyQuoted(picture, i, out);
-      continue;
-    }
-    const std::size_t run = RunLength(picture, i);
+  ExpandPicture(picture, out, [&](char c, std::size_t run) {
     switch (c) {
-      case 'h': {
-        const int hour12 = time.hour % 12 == 0 ? 12 : time.hour % 12;
-        AppendNumber(hour12, run >= 2, out);
-        break;
-      }
+      case 'h':
+        AppendNumber(time.hour % 12 == 0 ? 12 : time.hour % 12, run >= 2, out);
+        return true;
       case 'H':
         AppendNumber(time.hour, run >= 2, out);
-        break;
+        return true;
       case 'm':
         AppendNumber(time.minute, run >= 2, out);
-        break;
+        return true;
       case 's':
         AppendNumber(time.second, run >= 2, out);
-        break;
+        return true;
       case 't': {
         const std::string& designator = time.hour < 12 ? locale.amDesignator : locale.pmDesignator;
         if (run >= 2 || designator.empty()) {
           out += designator;
         } else {
-          const std::size_t length = Utf8Length(static_cast<unsigned char>(designator[0]));
-          out += designator.substr(0, length);
+          out += designator.substr(0, Utf8Length(static_cast<unsigned char>(designator[0])));
         }
-        break;
+        return true;
       }
       default:
-        out.append(run, c);
-        break;
+        return false;
     }
-    i += run;
-  }
+  });
   return true;
 }
 
