@@ -71,6 +71,7 @@ svg.plot text { font-family: inherit; }
 .key.standard { border-radius: 0; height: 3px; width: 16px; background: var(--ink);
   vertical-align: middle; }
 .closing { margin-top: 14px; }
+ul.notes.below { margin-top: 12px; }
 ul.notes { margin: 4px 0 0; padding-left: 20px; color: var(--muted); }
 footer { margin-top: 28px; padding-top: 8px; border-top: 1px solid var(--line); font-size: 12px;
   color: var(--muted); }
@@ -547,7 +548,7 @@ std::string RenderTableHtml(const Table& table) {
   }
   out += "</tbody>\n</table>\n";
   if (!table.notes.empty()) {
-    out += "<ul class=\"notes\">\n";
+    out += "<ul class=\"notes below\">\n";
     for (const std::string& note : table.notes) out += "<li>" + Html(note) + "</li>\n";
     out += "</ul>\n";
   }
