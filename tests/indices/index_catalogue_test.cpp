@@ -91,7 +91,9 @@ TEST(IndexCatalogue, ExactlyTheCataloguedIdentifiersHaveTexts) {
     const bool has = listed.count(id) != 0;
     EXPECT_EQ(name.empty(), !has);
     EXPECT_EQ(longName.empty(), !has);
-    if (!has) EXPECT_EQ(heading, "");
+    if (!has) {
+      EXPECT_EQ(heading, "");
+    }
   }
 }
 
