@@ -146,7 +146,10 @@ TEST_F(CommandTest, OutputFilesAreWrittenWholeOrNotAtAll) {
   const std::string file = Write("o.txt", SmallCgats("40"));
   const std::string csv = (dir_ / "out.csv").string();
   const std::string json = (dir_ / "out.json").string();
-  ASSERT_EQ(Run({"qc", file, file, "--csv=" + csv, "--json=" + json, "-i", "D65/10,A/2"}), kExitSuccess);
+  const std::string html = (dir_ / "out.html").string();
+  ASSERT_EQ(Run({"qc", file, file, "--csv=" + csv, "--json=" + json, "--html", html, "-i", "D65/10,A/2"}),
+            kExitSuccess);
+  EXPECT_THAT(Read(html), HasSubstr("id=\"ab-plot\""));
   EXPECT_THAT(io_.out, HasSubstr("Batch summary"));  // files do not silence the terminal report
   EXPECT_THAT(Read(csv), HasSubstr("near,A/2°"));
   EXPECT_THAT(Read(json), HasSubstr("\"accepted\": true"));
@@ -156,7 +159,7 @@ TEST_F(CommandTest, OutputFilesAreWrittenWholeOrNotAtAll) {
   EXPECT_FALSE(fs::exists(bad));
   std::size_t entries = 0;
   for ([[maybe_unused]] const auto& entry : fs::directory_iterator(dir_)) ++entries;
-  EXPECT_EQ(entries, 3u);
+  EXPECT_EQ(entries, 4u);
 }
 
 TEST_F(CommandTest, WriteKeepsTheInputColumnsAndAddsTheComputedOnes) {
