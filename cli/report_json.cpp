@@ -1,8 +1,9 @@
 // Tables and the QC report as JSON (RFC 8259): numbers as numbers, missing values as null.
+// Everything is appended to one string in place: a batch may hold a million trials.
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 
 #include "report.h"
 #include "velquor/frame/numeric.h"
@@ -11,8 +12,8 @@ namespace velquor::cli {
 
 namespace {
 
-std::string Quote(std::string_view text) {
-  std::string out = "\"";
+void Quote(std::string& out, std::string_view text) {
+  out.push_back('"');
   for (char c : text) {
     const auto u = static_cast<unsigned char>(c);
     if (c == '"' || c == '\\') {
@@ -21,127 +22,193 @@ std::string Quote(std::string_view text) {
     } else if (u < 0x20) {
       char escape[8];
       std::snprintf(escape, sizeof escape, "\\u%04x", u);
-      out += escape;
+      out.append(escape);
     } else {
       out.push_back(c);
     }
   }
-  return out + "\"";
+  out.push_back('"');
 }
 
 // Shortest round-trip form; null for the missing value and anything not finite.
-std::string Number(double value) {
-  if (IsMissing(value) || !std::isfinite(value)) return "null";
+void Number(std::string& out, double value) {
+  if (IsMissing(value) || !std::isfinite(value)) {
+    out.append("null");
+    return;
+  }
   char buffer[32];
-  const auto end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
-  return std::string(buffer, end);
+  out.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr);
 }
 
-std::string CellJson(const Cell& cell) {
-  if (!cell.number) return Quote(cell.text);
-  return Number(cell.value);
+// `"key": ` (after a ", " unless `first`).
+void Key(std::string& out, std::string_view key, bool first = false) {
+  if (!first) out.append(", ");
+  Quote(out, key);
+  out.append(": ");
 }
 
-std::string Array(const std::vector<std::string>& items) {
-  std::string out = "[";
-  for (std::size_t i = 0; i < items.size(); ++i) out += (i > 0 ? ", " : "") + items[i];
-  return out + "]";
+template <typename Each>
+void Array(std::string& out, std::size_t count, Each each) {
+  out.push_back('[');
+  for (std::size_t i = 0; i < count; ++i) {
+    if (i > 0) out.append(", ");
+    each(i);
+  }
+  out.push_back(']');
 }
 
-std::string Vector(const CValueArray& values, std::size_t count) {
-  std::vector<std::string> items;
-  for (std::size_t i = 0; i < count && i < values.GetSize(); ++i) items.push_back(Number(values[i]));
-  return Array(items);
+void Values(std::string& out, const CValueArray& values, std::size_t count) {
+  Array(out, std::min(count, values.GetSize()), [&](std::size_t i) { Number(out, values[i]); });
 }
 
-std::string Curve(const CKSData& curve) {
-  std::vector<std::string> items;
-  for (std::size_t i = 0; i < CKSData::kLength; ++i) items.push_back(Number(curve[i]));
-  return Array(items);
+void Texts(std::string& out, const std::vector<std::string>& texts) {
+  Array(out, texts.size(), [&](std::size_t i) { Quote(out, texts[i]); });
 }
 
-std::string SampleJson(const QcReport& report, const QcSample& sample, bool standard) {
-  std::string out = "{\"name\": " + Quote(sample.name) + ", \"line\": " + std::to_string(sample.line);
-  if (!sample.note.empty()) out += ", \"note\": " + Quote(sample.note);
-  out += ", \"results\": [";
-  for (std::size_t c = 0; c < sample.results.size(); ++c) {
+void Sample(std::string& out, const QcReport& report, const QcSample& sample, bool standard) {
+  out.push_back('{');
+  Key(out, "name", true);
+  Quote(out, sample.name);
+  Key(out, "line");
+  out.append(std::to_string(sample.line));
+  if (!sample.note.empty()) {
+    Key(out, "note");
+    Quote(out, sample.note);
+  }
+  Key(out, "results");
+  Array(out, sample.results.size(), [&](std::size_t c) {
     const QcResult& r = sample.results[c];
-    out += c > 0 ? ", " : "";
-    out += "{\"condition\": " + Quote(report.conditions[c].label) +
-           ", \"xyz\": " + Vector(r.xyz, 3) + ", \"lab\": " + Vector(r.lab, 5);
-    if (!standard) {
-      out += ", \"computed\": " + std::string(r.computed ? "true" : "false");
-      if (r.computed) {
-        std::vector<std::string> slots;
-        for (std::size_t s = 0; s < 7; ++s) {
-          slots.push_back("{\"label\": " + Quote(report.columnLabels[s]) +
-                          ", \"value\": " + Number(r.difference[s]) + "}");
-        }
-        out += ", \"difference\": " + Array(slots) + ", \"total\": " + Number(r.difference[6]) +
-               ", \"shade\": " + Quote(ShadeWords(r.shade)) + ", \"pass\": " + (r.pass ? "true" : "false");
-      }
+    out.push_back('{');
+    Key(out, "condition", true);
+    Quote(out, report.conditions[c].label);
+    Key(out, "xyz");
+    Values(out, r.xyz, 3);
+    Key(out, "lab");
+    Values(out, r.lab, 5);
+    if (standard) {
+      out.push_back('}');
+      return;
     }
-    out += "}";
-  }
-  out += "]";
+    Key(out, "computed");
+    out.append(r.computed ? "true" : "false");
+    if (r.computed) {
+      Key(out, "difference");
+      Array(out, 7, [&](std::size_t s) {
+        out.push_back('{');
+        Key(out, "label", true);
+        Quote(out, report.columnLabels[s]);
+        Key(out, "value");
+        Number(out, r.difference[s]);
+        out.push_back('}');
+      });
+      Key(out, "total");
+      Number(out, r.difference[6]);
+      Key(out, "shade");
+      Quote(out, ShadeWords(r.shade));
+      Key(out, "pass");
+      out.append(r.pass ? "true" : "false");
+    }
+    out.push_back('}');
+  });
   if (!report.indices.empty()) {
-    std::vector<std::string> items;
-    for (std::size_t i = 0; i < report.indices.size() && i < sample.indices.size(); ++i) {
-      items.push_back("{\"name\": " + Quote(report.indices[i].name) +
-                      ", \"value\": " + Number(sample.indices[i]) + "}");
-    }
-    out += ", \"indices\": " + Array(items);
+    Key(out, "indices");
+    Array(out, std::min(report.indices.size(), sample.indices.size()), [&](std::size_t i) {
+      out.push_back('{');
+      Key(out, "name", true);
+      Quote(out, report.indices[i].name);
+      Key(out, "value");
+      Number(out, sample.indices[i]);
+      out.push_back('}');
+    });
   }
-  if (report.withStrength && !standard) out += ", \"strength\": " + Number(sample.strength);
-  out += ", \"reflectance\": " + Curve(sample.curve);
-  return out + "}";
+  if (report.withStrength && !standard) {
+    Key(out, "strength");
+    Number(out, sample.strength);
+  }
+  Key(out, "reflectance");
+  Values(out, sample.curve, CKSData::kLength);
+  out.push_back('}');
 }
 
 }  // namespace
 
 std::string RenderTableJson(const Table& table) {
-  std::string out = "{\"title\": " + Quote(table.title) + ", \"rows\": [\n";
+  std::string out = "{";
+  Key(out, "title", true);
+  Quote(out, table.title);
+  Key(out, "rows");
+  out.append("[\n");
   for (std::size_t r = 0; r < table.rows.size(); ++r) {
-    out += r > 0 ? ",\n  {" : "  {";
+    out.append(r > 0 ? ",\n  {" : "  {");
     for (std::size_t c = 0; c < table.rows[r].size() && c < table.headers.size(); ++c) {
-      out += (c > 0 ? ", " : "") + Quote(table.headers[c]) + ": " + CellJson(table.rows[r][c]);
+      const Cell& cell = table.rows[r][c];
+      Key(out, table.headers[c], c == 0);
+      if (cell.number) {
+        Number(out, cell.value);
+      } else {
+        Quote(out, cell.text);
+      }
     }
-    out += "}";
+    out.push_back('}');
   }
-  std::vector<std::string> notes;
-  for (const std::string& note : table.notes) notes.push_back(Quote(note));
-  return out + "\n], \"notes\": " + Array(notes) + "}\n";
+  out.append("\n]");
+  Key(out, "notes");
+  Texts(out, table.notes);
+  out.append("}\n");
+  return out;
 }
 
 std::string RenderQcJson(const QcReport& report) {
   std::string out = "{\n";
-  out += "\"standardFile\": " + Quote(report.standardSource) + ",\n";
-  out += "\"trialsFile\": " + Quote(report.trialsSource) + ",\n";
-  out += "\"system\": " + Quote(report.system.caption) + ",\n";
-  out += "\"tolerance\": " + Number(report.tolerance) + ",\n";
-  std::vector<std::string> conditions;
-  for (const Condition& condition : report.conditions) conditions.push_back(Quote(condition.label));
-  out += "\"conditions\": " + Array(conditions) + ",\n";
-  if (report.withStrength) out += "\"strengthMethod\": " + Quote(report.strength.name) + ",\n";
-  out += "\"wavelengths\": {\"first\": 360, \"step\": 10, \"count\": 40},\n";
-  out += "\"standard\": " + SampleJson(report, report.standard, true) + ",\n";
-  out += "\"trials\": [\n";
+  Key(out, "standardFile", true);
+  Quote(out, report.standardSource);
+  Key(out, "trialsFile");
+  Quote(out, report.trialsSource);
+  Key(out, "system");
+  Quote(out, report.system.caption);
+  Key(out, "tolerance");
+  Number(out, report.tolerance);
+  Key(out, "conditions");
+  Array(out, report.conditions.size(), [&](std::size_t c) { Quote(out, report.conditions[c].label); });
+  if (report.withStrength) {
+    Key(out, "strengthMethod");
+    Quote(out, report.strength.name);
+  }
+  Key(out, "wavelengths");
+  out.append("{\"first\": 360, \"step\": 10, \"count\": 40}");
+  Key(out, "standard");
+  Sample(out, report, report.standard, true);
+  out.append(",\n\"trials\": [\n");
   for (std::size_t t = 0; t < report.trials.size(); ++t) {
-    out += (t > 0 ? ",\n  " : "  ") + SampleJson(report, report.trials[t], false);
+    out.append(t > 0 ? ",\n  " : "  ");
+    Sample(out, report, report.trials[t], false);
   }
-  out += "\n],\n\"summary\": [";
-  for (std::size_t c = 0; c < report.summaries.size(); ++c) {
+  out.append("\n]");
+  Key(out, "summary");
+  Array(out, report.summaries.size(), [&](std::size_t c) {
     const QcSummary& s = report.summaries[c];
-    out += (c > 0 ? ", " : "") + std::string("{\"condition\": ") + Quote(report.conditions[c].label) +
-           ", \"trials\": " + std::to_string(s.trials) + ", \"passed\": " + std::to_string(s.passed) +
-           ", \"failed\": " + std::to_string(s.failed) + ", \"rejected\": " + std::to_string(s.rejected) +
-           ", \"mean\": " + Number(s.mean) + ", \"max\": " + Number(s.max) +
-           ", \"worst10\": " + Number(s.worst10) + "}";
-  }
-  std::vector<std::string> notes;
-  for (const std::string& note : report.notes) notes.push_back(Quote(note));
-  out += "],\n\"notes\": " + Array(notes) + ",\n";
-  out += "\"accepted\": " + std::string(report.AllPassed() ? "true" : "false") + "\n}\n";
+    out.push_back('{');
+    Key(out, "condition", true);
+    Quote(out, report.conditions[c].label);
+    const std::pair<const char*, std::size_t> counts[] = {
+        {"trials", s.trials}, {"passed", s.passed}, {"failed", s.failed}, {"rejected", s.rejected}};
+    for (const auto& [name, value] : counts) {
+      Key(out, name);
+      out.append(std::to_string(value));
+    }
+    const std::pair<const char*, double> statistics[] = {
+        {"mean", s.mean}, {"max", s.max}, {"worst10", s.worst10}};
+    for (const auto& [name, value] : statistics) {
+      Key(out, name);
+      Number(out, value);
+    }
+    out.push_back('}');
+  });
+  Key(out, "notes");
+  Texts(out, report.notes);
+  Key(out, "accepted");
+  out.append(report.AllPassed() ? "true" : "false");
+  out.append("\n}\n");
   return out;
 }
 
