@@ -5,54 +5,39 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <string>
 #include <iterator>
 
 #include "arrays.h"
 #include "velquor/data/value_vectors.h"
-#include "velquor/indices/filter_values.h"
-#include "velquor/indices/tint.h"
-#include "velquor/indices/whiteness.h"
-#include "velquor/indices/yellowness.h"
+#include "velquor/indices/index_formulas.h"
 
 namespace velquor::python {
 namespace {
 
-using IndexFunction = double (*)(int, int, const CValueVector3&);
-
 struct IndexEntry {
   const char* kind;
   const char* name;  // as shown; "(R)" marks the recalculated flavour
-  IndexFunction function;
+  std::uint32_t identifier;  // catalogue identifier (index_formulas.h)
 };
 
 // The indices that need nothing but a sample's XYZ and the pair (the Ganz/Griesser forms need
-// instrument coefficients and are not offered here).
+// instrument coefficients and are not offered here), by kind and the binding's short names.
 constexpr IndexEntry kIndices[] = {
-    {"whiteness", "E313-73", &WhitenessE313_73},
-    {"whiteness", "E313-73 (R)", &WhitenessE313_73R},
-    {"whiteness", "Taube", &WhitenessTaube},
-    {"whiteness", "Taube (R)", &WhitenessTaubeR},
-    {"whiteness", "Berger", &WhitenessBerger},
-    {"whiteness", "Berger (R)", &WhitenessBergerR},
-    {"whiteness", "CIE", &WhitenessCIE},
-    {"whiteness", "CIE (R)", &WhitenessCIER},
-    {"whiteness", "E313-10", &WhitenessE313_10},
-    {"whiteness", "Stensby", &WhitenessStensby},
-    {"whiteness", "Hunter", &WhitenessHunter},
-    {"yellowness", "D1925", &YellownessD1925},
-    {"yellowness", "D1925 (R)", &YellownessD1925R},
-    {"yellowness", "E313-73", &YellownessE313_73},
-    {"yellowness", "E313-73 (R)", &YellownessE313_73R},
-    {"yellowness", "E313-10", &YellownessE313_10},
-    {"yellowness", "E313-10 (R)", &YellownessE313_10R},
-    {"yellowness", "DIN6167", &YellownessDIN6167},
-    {"yellowness", "DIN6167 (R)", &YellownessDIN6167R},
-    {"yellowness", "DCM", &YellownessDCMY},
-    {"tint", "CIE", &TintCIE},
-    {"tint", "CIE (R)", &TintCIER},
-    {"tint", "E313-10", &TintE313_10},
-    {"filter", "Rx", &FilterValueRx},
-    {"filter", "Rz", &FilterValueRz},
+    {"whiteness", "E313-73", 54},   {"whiteness", "E313-73 (R)", 2},
+    {"whiteness", "Taube", 58},     {"whiteness", "Taube (R)", 20},
+    {"whiteness", "Berger", 56},    {"whiteness", "Berger (R)", 17},
+    {"whiteness", "CIE", 57},       {"whiteness", "CIE (R)", 3},
+    {"whiteness", "E313-10", 55},   {"whiteness", "Stensby", 18},
+    {"whiteness", "Hunter", 19},    {"yellowness", "D1925", 59},
+    {"yellowness", "D1925 (R)", 1}, {"yellowness", "E313-73", 60},
+    {"yellowness", "E313-73 (R)", 0}, {"yellowness", "E313-10", 61},
+    {"yellowness", "E313-10 (R)", 14}, {"yellowness", "DIN6167", 62},
+    {"yellowness", "DIN6167 (R)", 15}, {"yellowness", "DCM", 65},
+    {"tint", "CIE", 53},            {"tint", "CIE (R)", 4},
+    {"tint", "E313-10", 52},        {"filter", "Rx", 40},
+    {"filter", "Rz", 42},
 };
 constexpr std::size_t kIndexCount = std::size(kIndices);
 
@@ -63,13 +48,12 @@ py::list IndexTable() {
   return entries;
 }
 
-py::array_t<double> Index(const Table& xyz, std::size_t entry, int illuminant, int observer) {
-  if (entry >= kIndexCount) throw py::index_error("no index entry " + std::to_string(entry));
+py::array_t<double> Evaluate(const Table& xyz, TristimulusIndexFormula function, int illuminant,
+                             int observer) {
   const std::size_t count = Rows(xyz, CValueVector3::kLength, "xyz");
   py::array_t<double> out(static_cast<py::ssize_t>(count));
   const double* in = xyz.data();
   double* dst = out.mutable_data();
-  const IndexFunction function = kIndices[entry].function;
   py::gil_scoped_release release;
   CValueVector3 sample;
   for (std::size_t n = 0; n < count; ++n) {
@@ -79,11 +63,29 @@ py::array_t<double> Index(const Table& xyz, std::size_t entry, int illuminant, i
   return out;
 }
 
+py::array_t<double> Index(const Table& xyz, std::size_t entry, int illuminant, int observer) {
+  if (entry >= kIndexCount) throw py::index_error("no index entry " + std::to_string(entry));
+  return Evaluate(xyz, FindIndexFormula(kIndices[entry].identifier)->plain, illuminant, observer);
+}
+
+// An index by its catalogue short name ("WI CIE", "YI E313-73 (R)", "Dom. Wav." ...).
+py::array_t<double> CatalogueIndex(const Table& xyz, const std::string& name, int illuminant,
+                                   int observer) {
+  const std::uint32_t identifier = FindIndexFormulaByName(name);
+  const IndexFormula* formula = identifier == kNoIndexFormula ? nullptr : FindIndexFormula(identifier);
+  if (formula == nullptr || formula->plain == nullptr) {
+    throw py::key_error("no index computed from XYZ is named '" + name + "'");
+  }
+  return Evaluate(xyz, formula->plain, illuminant, observer);
+}
+
 }  // namespace
 
 void BindIndices(py::module_& m) {
   m.def("index_table", &IndexTable);
   m.def("index", &Index, py::arg("xyz"), py::arg("entry"), py::arg("illuminant"),
+        py::arg("observer"));
+  m.def("catalogue_index", &CatalogueIndex, py::arg("xyz"), py::arg("name"), py::arg("illuminant"),
         py::arg("observer"));
 }
 

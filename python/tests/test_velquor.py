@@ -289,6 +289,18 @@ def test_white_indices_of_the_perfect_white():
         pytest.approx(100.0, rel=1e-12)
 
 
+def test_catalogue_names_reach_the_same_formulas():
+    # Every binding name and its catalogue short name compute the same numbers.
+    xyz = np.array([[80.0, 85.0, 90.0], [30.0, 28.0, 12.0]])
+    pairs = [("WI CIE", velquor.whiteness, "CIE"), ("yi e313-73 (r)", velquor.yellowness, "E313-73 (R)"),
+             ("Tint CIE", velquor.tint, "CIE"), (" Rx ", velquor.filter_value, "Rx")]
+    for name, kind, method in pairs:
+        np.testing.assert_array_equal(velquor.catalogue_index(xyz, name), kind(xyz, method))
+    assert velquor.catalogue_index(xyz[1], "Dom. Wav.") > 500  # an orange, dominant in the yellow-red
+    with pytest.raises(KeyError):
+        velquor.catalogue_index(xyz, "WI Ganz")
+
+
 def test_yellowness_by_hand():
     # ASTM E313-73, C / 2 degree: YI = 100 (1 - 0.847 Z / Y); Y = 80, Z = 70 gives 25.8875.
     yi = velquor.yellowness([[70.0, 80.0, 70.0]] * 3, "E313-73", "C", 2)

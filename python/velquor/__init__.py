@@ -390,6 +390,15 @@ def _index(kind, xyz, method, illuminant, observer):
                    xyz.shape[:-1])
 
 
+def catalogue_index(xyz, name, illuminant="D65", observer=10):
+    """Any index computed from tristimulus values ``(..., 3)`` -> ``(...)``, by its catalogue
+    short name as the command-line tool and hosts show it: "WI CIE", "YI E313-73 (R)",
+    "Tint CIE", "Dom. Wav.", "Purity", "Rx" ... (case and surrounding blanks ignored)."""
+    xyz = _components(xyz, 3, "xyz")
+    return _shaped(_velquor.catalogue_index(_rows(xyz), name, *_pair(illuminant, observer)),
+                   xyz.shape[:-1])
+
+
 def whiteness(xyz, method="CIE", illuminant="D65", observer=10):
     """Whiteness index of tristimulus values ``(..., 3)`` -> ``(...)``: "CIE" (CIE 15:2004),
     "E313-10", "E313-73" (ASTM E313), "Taube", "Berger", "Stensby", "Hunter"; a name with
