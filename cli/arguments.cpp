@@ -6,16 +6,17 @@ namespace velquor::cli {
 
 namespace {
 
-const OptionSpec* FindLong(std::span<const OptionSpec> specs, std::string_view name) {
-  for (const OptionSpec& spec : specs) {
-    if (spec.longName == name) return &spec;
+const OptionDefinition* FindLong(std::span<const OptionDefinition> definitions,
+                                 std::string_view name) {
+  for (const OptionDefinition& option : definitions) {
+    if (option.longName == name) return &option;
   }
   return nullptr;
 }
 
-const OptionSpec* FindShort(std::span<const OptionSpec> specs, char name) {
-  for (const OptionSpec& spec : specs) {
-    if (spec.shortName != 0 && spec.shortName == name) return &spec;
+const OptionDefinition* FindShort(std::span<const OptionDefinition> definitions, char name) {
+  for (const OptionDefinition& option : definitions) {
+    if (option.shortName != 0 && option.shortName == name) return &option;
   }
   return nullptr;
 }
@@ -27,8 +28,9 @@ std::string ParsedArguments::Get(std::string_view name, std::string_view fallbac
   return found != values.end() ? found->second : std::string(fallback);
 }
 
-bool ParseArguments(std::span<const std::string> args, std::span<const OptionSpec> specs,
-                    ParsedArguments& out, std::string& error) {
+bool ParseArguments(std::span<const std::string> args,
+                    std::span<const OptionDefinition> definitions, ParsedArguments& out,
+                    std::string& error) {
   ParsedArguments parsed;
   bool optionsEnded = false;
   for (std::size_t i = 0; i < args.size(); ++i) {
@@ -41,7 +43,7 @@ bool ParseArguments(std::span<const std::string> args, std::span<const OptionSpe
       optionsEnded = true;
       continue;
     }
-    const OptionSpec* spec = nullptr;
+    const OptionDefinition* option = nullptr;
     std::string_view inlineValue;
     bool hasInline = false;
     if (arg.starts_with("--")) {
@@ -51,19 +53,19 @@ bool ParseArguments(std::span<const std::string> args, std::span<const OptionSpe
         hasInline = true;
         name = name.substr(0, eq);
       }
-      spec = FindLong(specs, name);
-      if (spec == nullptr) {
+      option = FindLong(definitions, name);
+      if (option == nullptr) {
         error = "unknown option '--" + std::string(name) + "'";
         return false;
       }
     } else {
-      spec = FindShort(specs, arg[1]);
-      if (spec == nullptr) {
+      option = FindShort(definitions, arg[1]);
+      if (option == nullptr) {
         error = "unknown option '" + std::string(arg.substr(0, 2)) + "'";
         return false;
       }
       if (arg.size() > 2) {
-        if (spec->value != OptionValue::kRequired) {
+        if (option->value != OptionValue::kRequired) {
           error = "option '-" + std::string(1, arg[1]) + "' takes no value";
           return false;
         }
@@ -71,8 +73,8 @@ bool ParseArguments(std::span<const std::string> args, std::span<const OptionSpe
         hasInline = true;
       }
     }
-    const std::string name(spec->longName);
-    switch (spec->value) {
+    const std::string name(option->longName);
+    switch (option->value) {
       case OptionValue::kNone:
         if (hasInline) {
           error = "option '--" + name + "' takes no value";
@@ -89,7 +91,7 @@ bool ParseArguments(std::span<const std::string> args, std::span<const OptionSpe
         } else if (i + 1 < args.size()) {
           parsed.values[name] = args[++i];
         } else {
-          error = "option '--" + name + "' needs a value (" + std::string(spec->valueName) + ")";
+          error = "option '--" + name + "' needs a value (" + std::string(option->valueName) + ")";
           return false;
         }
         break;
@@ -99,21 +101,21 @@ bool ParseArguments(std::span<const std::string> args, std::span<const OptionSpe
   return true;
 }
 
-std::string FormatOptionHelp(std::span<const OptionSpec> specs) {
+std::string FormatOptionHelp(std::span<const OptionDefinition> definitions) {
   std::vector<std::string> forms;
   std::size_t width = 0;
-  for (const OptionSpec& spec : specs) {
-    std::string form = spec.shortName != 0 ? std::string("-") + spec.shortName + ", " : "    ";
-    form += "--" + std::string(spec.longName);
-    if (spec.value == OptionValue::kRequired) form += " " + std::string(spec.valueName);
-    if (spec.value == OptionValue::kOptional) form += "[=" + std::string(spec.valueName) + "]";
+  for (const OptionDefinition& option : definitions) {
+    std::string form = option.shortName != 0 ? std::string("-") + option.shortName + ", " : "    ";
+    form += "--" + std::string(option.longName);
+    if (option.value == OptionValue::kRequired) form += " " + std::string(option.valueName);
+    if (option.value == OptionValue::kOptional) form += "[=" + std::string(option.valueName) + "]";
     width = std::max(width, form.size());
     forms.push_back(std::move(form));
   }
   std::string out;
-  for (std::size_t i = 0; i < specs.size(); ++i) {
+  for (std::size_t i = 0; i < definitions.size(); ++i) {
     out += "  " + forms[i] + std::string(width - forms[i].size() + 2, ' ') +
-           std::string(specs[i].help) + "\n";
+           std::string(definitions[i].help) + "\n";
   }
   return out;
 }

@@ -17,8 +17,8 @@ enum class OptionValue {
   kOptional,  // takes a value only as "--name=value"
 };
 
-struct OptionSpec {
-  char shortName;        // 0: long form only
+struct OptionDefinition {
+  char shortName;  // 0: long form only
   std::string_view longName;
   OptionValue value;
   std::string_view valueName;  // for help, e.g. "FILE"
@@ -37,10 +37,11 @@ struct ParsedArguments {
 // Parses `args` (without the program and command names). False with a message for an
 // unknown option, a missing value or a value given to a flag. A repeated option keeps its
 // last value.
-bool ParseArguments(std::span<const std::string> args, std::span<const OptionSpec> specs,
-                    ParsedArguments& out, std::string& error);
+bool ParseArguments(std::span<const std::string> args,
+                    std::span<const OptionDefinition> definitions, ParsedArguments& out,
+                    std::string& error);
 
 // The option lines of a command's help text, aligned.
-std::string FormatOptionHelp(std::span<const OptionSpec> specs);
+std::string FormatOptionHelp(std::span<const OptionDefinition> definitions);
 
 }  // namespace velquor::cli

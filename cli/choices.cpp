@@ -26,8 +26,10 @@ bool EqualsNoCase(std::string_view a, std::string_view b) {
 }
 
 std::string_view Trim(std::string_view text) {
-  while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front()))) text.remove_prefix(1);
-  while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back()))) text.remove_suffix(1);
+  while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front())))
+    text.remove_prefix(1);
+  while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back())))
+    text.remove_suffix(1);
   return text;
 }
 
@@ -60,7 +62,7 @@ struct SystemName {
   int system;
   int weightCount;  // weights the name takes after ':'
   std::array<double, 3> defaults;
-  bool parameter;   // a further number after the weights (audi: angle, din6175: p)
+  bool parameter;  // a further number after the weights (audi: angle, din6175: p)
 };
 constexpr SystemName kSystems[] = {
     {"cielab", kDiffCieLab, 0, {1, 1, 1}, false},
@@ -81,7 +83,9 @@ constexpr SystemName kSystems[] = {
 };
 
 // A weight as the captions show it: the shortest text that reads back exactly.
-std::string WeightText(double value) { return FormatMeasurementNumber(value); }
+std::string WeightText(double value) {
+  return FormatMeasurementNumber(value);
+}
 
 struct StrengthName {
   const char* name;
@@ -142,7 +146,8 @@ std::string ConditionLabel(int illuminant, int observer) {
   return code + degrees;
 }
 
-bool ParseCondition(std::string_view text, int defaultObserver, Condition& out, std::string& error) {
+bool ParseCondition(std::string_view text, int defaultObserver, Condition& out,
+                    std::string& error) {
   const std::size_t slash = text.find('/');
   const std::string_view code = Trim(text.substr(0, slash));
   const int illuminant = FindIlluminant(code);
@@ -187,7 +192,8 @@ bool ParseDifferenceSystem(std::string_view text, DifferenceChoice& out, std::st
   for (const SystemName& known : kSystems) {
     if (!EqualsNoCase(known.name, parts[0])) continue;
     const std::size_t given = parts.size() - 1;
-    const std::size_t most = static_cast<std::size_t>(known.weightCount) + (known.parameter ? 1 : 0);
+    const std::size_t most =
+        static_cast<std::size_t>(known.weightCount) + (known.parameter ? 1 : 0);
     if (given > most) {
       error = "too many numbers after '" + std::string(parts[0]) + "' (see --help)";
       return false;
@@ -319,8 +325,9 @@ bool ParseStrengthMethod(std::string_view text, StrengthChoice& out, std::string
     error = "unknown strength method '" + std::string(name) + "' (see --help)";
     return false;
   }
-  const bool takesWavelength = code == StrengthMethodCode(StrengthMethod::kChromaticUserWavelength) ||
-                               code == StrengthMethodCode(StrengthMethod::kBaseChromaticUserWavelength);
+  const bool takesWavelength =
+      code == StrengthMethodCode(StrengthMethod::kChromaticUserWavelength) ||
+      code == StrengthMethodCode(StrengthMethod::kBaseChromaticUserWavelength);
   if (wavelength >= 0 && !takesWavelength) {
     error = "strength method '" + std::string(name) + "' takes no wavelength";
     return false;
@@ -336,8 +343,9 @@ std::string StrengthMethodHelp() {
   for (const StrengthName& known : kStrengthNames) {
     text += (text.empty() ? "" : ", ") + std::string(known.name);
   }
-  return text + " (chromatic and base-chromatic take @nm, e.g. chromatic@520; append "
-                ":absorbance to use optical density instead of K/S)";
+  return text +
+         " (chromatic and base-chromatic take @nm, e.g. chromatic@520; append "
+         ":absorbance to use optical density instead of K/S)";
 }
 
 bool ParsePositiveNumber(std::string_view text, double& value) {

@@ -24,11 +24,11 @@ struct Condition {
 };
 
 struct DifferenceChoice {
-  int system = 0;                            // difference-system code 0-12
-  std::array<double, 3> weights{1, 1, 1};    // l:c, kL:kC:kH, kCH:kE, gL:gC:gH
-  double parameter = 1.0;                    // viewing angle (audi) or p (din6175)
-  std::string name;                          // as written by the user
-  std::string caption;                       // the library's caption with the weights filled
+  int system = 0;                          // difference-system code 0-12
+  std::array<double, 3> weights{1, 1, 1};  // l:c, kL:kC:kH, kCH:kE, gL:gC:gH
+  double parameter = 1.0;                  // viewing angle (audi) or p (din6175)
+  std::string name;                        // as written by the user
+  std::string caption;                     // the library's caption with the weights filled
 };
 
 enum class ColourSpace { kLab, kLch, kLuv, kHunter, kDin99, kYxy, kRgb };

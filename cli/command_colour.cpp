@@ -21,8 +21,8 @@ namespace {
 
 struct SpaceColumns {
   ColourSpace space;
-  std::vector<std::string> names;  // column headings
-  std::vector<std::string> fields; // CGATS field names for --write
+  std::vector<std::string> names;   // column headings
+  std::vector<std::string> fields;  // CGATS field names for --write
   int decimals;
 };
 
@@ -30,9 +30,15 @@ const SpaceColumns& ColumnsOf(ColourSpace space) {
   static const std::vector<SpaceColumns> kColumns = {
       {ColourSpace::kLab, {"L*", "a*", "b*"}, {"LAB_L", "LAB_A", "LAB_B"}, 2},
       {ColourSpace::kLch, {"L*", "C*ab", "hab"}, {"LAB_L", "LAB_C", "LAB_H"}, 2},
-      {ColourSpace::kLuv, {"L*", "u*", "v*", "C*uv", "huv"}, {"LUV_L", "LUV_U", "LUV_V", "LUV_C", "LUV_H"}, 2},
+      {ColourSpace::kLuv,
+       {"L*", "u*", "v*", "C*uv", "huv"},
+       {"LUV_L", "LUV_U", "LUV_V", "LUV_C", "LUV_H"},
+       2},
       {ColourSpace::kHunter, {"L", "a", "b"}, {"HUNTER_L", "HUNTER_A", "HUNTER_B"}, 2},
-      {ColourSpace::kDin99, {"L99", "a99", "b99", "C99", "h99"}, {"DIN99_L", "DIN99_A", "DIN99_B", "DIN99_C", "DIN99_H"}, 2},
+      {ColourSpace::kDin99,
+       {"L99", "a99", "b99", "C99", "h99"},
+       {"DIN99_L", "DIN99_A", "DIN99_B", "DIN99_C", "DIN99_H"},
+       2},
       {ColourSpace::kYxy, {"Y", "x", "y"}, {"XYZ_Y", "XYY_X", "XYY_Y"}, 4},
       {ColourSpace::kRgb, {"R", "G", "B"}, {"RGB_R", "RGB_G", "RGB_B"}, 0},
   };
@@ -42,8 +48,8 @@ const SpaceColumns& ColumnsOf(ColourSpace space) {
   return kColumns.front();
 }
 
-const SpaceColumns kXyzColumns{ColourSpace::kYxy, {"X", "Y", "Z", "x", "y"},
-                               {"XYZ_X", "XYZ_Y", "XYZ_Z", "XYY_X", "XYY_Y"}, 4};
+const SpaceColumns kXyzColumns{
+    ColourSpace::kYxy, {"X", "Y", "Z", "x", "y"}, {"XYZ_X", "XYZ_Y", "XYZ_Z", "XYY_X", "XYY_Y"}, 4};
 
 // The values of one sample in `space` (or XYZ with x, y when `xyzOnly`).
 std::vector<double> Coordinates(const CKSData& curve, const Condition& c, bool xyzOnly,
@@ -85,7 +91,7 @@ std::vector<double> Coordinates(const CKSData& curve, const Condition& c, bool x
 }
 
 int RunColour(CommandArgs args, CommandOutput& io, bool xyzOnly) {
-  std::vector<OptionSpec> own;
+  std::vector<OptionDefinition> own;
   if (!xyzOnly) {
     own.push_back({'s', "space", OptionValue::kRequired, "SPACE",
                    "lab (default), lch, luv, hunter, din99, yxy or rgb"});
@@ -93,11 +99,13 @@ int RunColour(CommandArgs args, CommandOutput& io, bool xyzOnly) {
   own.push_back({'w', "write", OptionValue::kRequired, "FILE",
                  "also write the measurement file with the computed columns added (CGATS, or "
                  "CSV for a .csv name), keeping its other columns"});
-  const std::string_view usage = xyzOnly ? "velquor xyz [options] FILE" : "velquor lab [options] FILE";
+  const std::string_view usage =
+      xyzOnly ? "velquor xyz [options] FILE" : "velquor lab [options] FILE";
   const std::string_view description =
-      xyzOnly ? "Tristimulus values X, Y, Z (Y = 100 for the perfect white) and chromaticity x, y of "
-                "every sample of a CGATS or CSV measurement file (ASTM E308 10 nm weighting)."
-              : "Colour-space coordinates of every sample of a CGATS or CSV measurement file.";
+      xyzOnly
+          ? "Tristimulus values X, Y, Z (Y = 100 for the perfect white) and chromaticity x, y of "
+            "every sample of a CGATS or CSV measurement file (ASTM E308 10 nm weighting)."
+          : "Colour-space coordinates of every sample of a CGATS or CSV measurement file.";
   ParsedArguments parsed;
   int exitCode = kExitSuccess;
   if (!ParseCommand(args, own, usage, description, 1, parsed, io, exitCode)) return exitCode;
@@ -109,7 +117,8 @@ int RunColour(CommandArgs args, CommandOutput& io, bool xyzOnly) {
   }
   std::vector<Condition> conditions;
   SampleSet set;
-  if (!ReadConditions(parsed, conditions, io) || !ReadSamples(parsed, parsed.positional[0], set, io, parsed.Has("write"))) {
+  if (!ReadConditions(parsed, conditions, io) ||
+      !ReadSamples(parsed, parsed.positional[0], set, io, parsed.Has("write"))) {
     return kExitUsage;
   }
   const SpaceColumns& columns = xyzOnly ? kXyzColumns : ColumnsOf(space);
@@ -120,7 +129,8 @@ int RunColour(CommandArgs args, CommandOutput& io, bool xyzOnly) {
   table.notes = set.notes;
   std::vector<std::vector<std::string>> written(conditions.size() * columns.names.size());
   int result = kExitSuccess;
-  for (Condition& condition : conditions) EnsureWeightTable(condition.illuminant, condition.observer);
+  for (Condition& condition : conditions)
+    EnsureWeightTable(condition.illuminant, condition.observer);
   for (const QcSample& sample : set.samples) {
     for (std::size_t c = 0; c < conditions.size(); ++c) {
       std::vector<Cell> row{TextCell(sample.name), TextCell(conditions[c].label)};
@@ -143,9 +153,9 @@ int RunColour(CommandArgs args, CommandOutput& io, bool xyzOnly) {
     for (std::size_t c = 0; c < conditions.size(); ++c) {
       for (std::size_t k = 0; k < columns.fields.size(); ++k) {
         std::string name = columns.fields[k];
-        if (conditions.size() > 1) name = conditions[c].label.substr(0, conditions[c].label.find('/')) +
-                                          "_" + std::to_string(ObserverDegrees(conditions[c].observer)) +
-                                          "_" + name;
+        if (conditions.size() > 1)
+          name = conditions[c].label.substr(0, conditions[c].label.find('/')) + "_" +
+                 std::to_string(ObserverDegrees(conditions[c].observer)) + "_" + name;
         AddMeasurementColumn(set.file, name, written[c * columns.fields.size() + k]);
       }
     }
@@ -161,7 +171,11 @@ int RunColour(CommandArgs args, CommandOutput& io, bool xyzOnly) {
 
 }  // namespace
 
-int RunXyzCommand(CommandArgs args, CommandOutput& io) { return RunColour(args, io, true); }
-int RunLabCommand(CommandArgs args, CommandOutput& io) { return RunColour(args, io, false); }
+int RunXyzCommand(CommandArgs args, CommandOutput& io) {
+  return RunColour(args, io, true);
+}
+int RunLabCommand(CommandArgs args, CommandOutput& io) {
+  return RunColour(args, io, false);
+}
 
 }  // namespace velquor::cli

@@ -6,7 +6,7 @@
 namespace velquor::cli {
 
 int RunDemoCommand(CommandArgs args, CommandOutput& io) {
-  const std::vector<OptionSpec> own{
+  const std::vector<OptionDefinition> own{
       {'s', "system", OptionValue::kRequired, "SYSTEM",
        "difference system (default cmc:2:1): " + DifferenceSystemHelp()},
       {'t', "tolerance", OptionValue::kRequired, "DE", "tolerance (default 1.0)"}};
@@ -24,10 +24,13 @@ int RunDemoCommand(CommandArgs args, CommandOutput& io) {
   QcSettings settings;
   std::string error;
   if (!ParseDifferenceSystem(parsed.Get("system", "cmc:2:1"), settings.system, error) ||
-      (parsed.Has("tolerance") && !ParsePositiveNumber(parsed.Get("tolerance"), settings.tolerance))) {
-    io.err += "velquor: " + (error.empty() ? "tolerance '" + parsed.Get("tolerance") +
-                                                 "' is not a positive number"
-                                           : error) + "\n";
+      (parsed.Has("tolerance") &&
+       !ParsePositiveNumber(parsed.Get("tolerance"), settings.tolerance))) {
+    io.err +=
+        "velquor: " +
+        (error.empty() ? "tolerance '" + parsed.Get("tolerance") + "' is not a positive number"
+                       : error) +
+        "\n";
     return kExitUsage;
   }
   ParsedArguments withConditions = parsed;
@@ -47,8 +50,9 @@ int RunDemoCommand(CommandArgs args, CommandOutput& io) {
   report.standardSource = "embedded sample data (ColorChecker orange, N. Ohta 1997)";
   report.trialsSource = "production batches derived from the standard";
   report.notes = std::move(notes);
-  report.notes.push_back("batches: the standard rescaled in K/S to the stated strength, with small "
-                         "shade shifts; B09 lacks its 500-520 nm readings");
+  report.notes.push_back(
+      "batches: the standard rescaled in K/S to the stated strength, with small "
+      "shade shifts; B09 lacks its 500-520 nm readings");
   return EmitQcReport(parsed, report, io) ? kExitSuccess : kExitUsage;
 }
 

@@ -10,7 +10,7 @@
 namespace velquor::cli {
 
 int RunIndexCommand(CommandArgs args, CommandOutput& io) {
-  const std::vector<OptionSpec> own{
+  const std::vector<OptionDefinition> own{
       {'x', "index", OptionValue::kRequired, "LIST",
        "indices by catalogue name, comma-separated (required): " + IndexHelp()}};
   ParsedArguments parsed;
@@ -33,7 +33,8 @@ int RunIndexCommand(CommandArgs args, CommandOutput& io) {
   }
   std::vector<Condition> conditions;
   SampleSet set;
-  if (!ReadConditions(parsed, conditions, io) || !ReadSamples(parsed, parsed.positional[0], set, io)) {
+  if (!ReadConditions(parsed, conditions, io) ||
+      !ReadSamples(parsed, parsed.positional[0], set, io)) {
     return kExitUsage;
   }
   Table table;
@@ -43,15 +44,17 @@ int RunIndexCommand(CommandArgs args, CommandOutput& io) {
   table.notes = set.notes;
   int result = kExitSuccess;
   CValueVector3 xyz;
-  for (Condition& condition : conditions) EnsureWeightTable(condition.illuminant, condition.observer);
+  for (Condition& condition : conditions)
+    EnsureWeightTable(condition.illuminant, condition.observer);
   for (const QcSample& sample : set.samples) {
     for (const Condition& condition : conditions) {
       std::vector<Cell> row{TextCell(sample.name), TextCell(condition.label)};
       ComputeXYZ(sample.curve, condition.illuminant, condition.observer, xyz);
       for (const IndexChoice& index : indices) {
-        const double value = sample.hasMissing ? kMissing
-                                               : FindIndexFormula(index.identifier)->plain(
-                                                     condition.illuminant, condition.observer, xyz);
+        const double value = sample.hasMissing
+                                 ? kMissing
+                                 : FindIndexFormula(index.identifier)
+                                       ->plain(condition.illuminant, condition.observer, xyz);
         row.push_back(NumberCell(value, 2));
         if (row.back().missing) result = kExitRejected;
       }
@@ -67,7 +70,7 @@ int RunIndexCommand(CommandArgs args, CommandOutput& io) {
 }
 
 int RunStrengthCommand(CommandArgs args, CommandOutput& io) {
-  const std::vector<OptionSpec> own{
+  const std::vector<OptionDefinition> own{
       {'m', "method", OptionValue::kRequired, "METHOD",
        "strength method (default apparent): " + StrengthMethodHelp()},
       {'n', "standard-name", OptionValue::kRequired, "NAME",
@@ -90,7 +93,8 @@ int RunStrengthCommand(CommandArgs args, CommandOutput& io) {
   SampleSet standards;
   SampleSet trials;
   QcSample standard;
-  if (!ReadConditions(parsed, conditions, io) || !ReadSamples(parsed, parsed.positional[0], standards, io) ||
+  if (!ReadConditions(parsed, conditions, io) ||
+      !ReadSamples(parsed, parsed.positional[0], standards, io) ||
       !PickStandard(parsed, standards, standard, io) ||
       !ReadSamples(parsed, parsed.positional[1], trials, io)) {
     return kExitUsage;
@@ -101,8 +105,9 @@ int RunStrengthCommand(CommandArgs args, CommandOutput& io) {
   CValueVector3 trialXyz;
   ComputeXYZ(standard.curve, condition.illuminant, condition.observer, standardXyz);
   Table table;
-  table.title = "Colour strength against " + standard.name + " (" + GetStrengthLabel(method.settings) +
-                (method.useAbsorbance ? ", optical density" : ", K/S") + ", " + condition.label + ")";
+  table.title =
+      "Colour strength against " + standard.name + " (" + GetStrengthLabel(method.settings) +
+      (method.useAbsorbance ? ", optical density" : ", K/S") + ", " + condition.label + ")";
   table.headers = {"trial", "strength %", "wavelength nm"};
   table.notes = standards.notes;
   table.notes.insert(table.notes.end(), trials.notes.begin(), trials.notes.end());
@@ -112,8 +117,9 @@ int RunStrengthCommand(CommandArgs args, CommandOutput& io) {
     double strength = kMissing;
     if (!standard.hasMissing && !trial.hasMissing) {
       ComputeXYZ(trial.curve, condition.illuminant, condition.observer, trialXyz);
-      strength = CalcStrength(method.settings, standard.curve, trial.curve, standardXyz, trialXyz,
-                              condition.illuminant, condition.observer, method.useAbsorbance, wavelength);
+      strength =
+          CalcStrength(method.settings, standard.curve, trial.curve, standardXyz, trialXyz,
+                       condition.illuminant, condition.observer, method.useAbsorbance, wavelength);
     }
     const int m = method.settings.method;
     const bool atWavelength = m == 1 || m == 2 || m == 13 || m == 14;

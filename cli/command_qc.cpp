@@ -10,8 +10,9 @@ namespace velquor::cli {
 
 namespace {
 
-const OptionSpec kStandardName{'n', "standard-name", OptionValue::kRequired, "NAME",
-                               "the standard is the sample NAME of STANDARD (default: its first)"};
+const OptionDefinition kStandardName{
+    'n', "standard-name", OptionValue::kRequired, "NAME",
+    "the standard is the sample NAME of STANDARD (default: its first)"};
 
 // Reads both files and the options diff and qc share into `settings`.
 bool PrepareComparison(const ParsedArguments& parsed, const std::string& defaultSystem,
@@ -37,7 +38,7 @@ bool PrepareComparison(const ParsedArguments& parsed, const std::string& default
 }  // namespace
 
 int RunDiffCommand(CommandArgs args, CommandOutput& io) {
-  const std::vector<OptionSpec> own{
+  const std::vector<OptionDefinition> own{
       {'s', "system", OptionValue::kRequired, "SYSTEM",
        "difference system (default cielab): " + DifferenceSystemHelp()},
       kStandardName};
@@ -55,7 +56,8 @@ int RunDiffCommand(CommandArgs args, CommandOutput& io) {
   QcSample standard;
   SampleSet trials;
   std::vector<std::string> notes;
-  if (!PrepareComparison(parsed, "cielab", settings, standard, trials, notes, io)) return kExitUsage;
+  if (!PrepareComparison(parsed, "cielab", settings, standard, trials, notes, io))
+    return kExitUsage;
   const QcReport report = ComputeQcReport(settings, std::move(standard), std::move(trials.samples));
   Table table = QcResultTable(report);
   table.title = "Standard " + report.standard.name + " — " + report.system.caption;
@@ -68,11 +70,12 @@ int RunDiffCommand(CommandArgs args, CommandOutput& io) {
   }
   table.notes.insert(table.notes.begin(), notes.begin(), notes.end());
   if (!EmitTable(parsed, table, io)) return kExitUsage;
-  return report.summaries.empty() || report.summaries.front().rejected == 0 ? kExitSuccess : kExitRejected;
+  return report.summaries.empty() || report.summaries.front().rejected == 0 ? kExitSuccess
+                                                                            : kExitRejected;
 }
 
 int RunQcCommand(CommandArgs args, CommandOutput& io) {
-  const std::vector<OptionSpec> own{
+  const std::vector<OptionDefinition> own{
       {'s', "system", OptionValue::kRequired, "SYSTEM",
        "difference system (default cmc:2:1): " + DifferenceSystemHelp()},
       {'t', "tolerance", OptionValue::kRequired, "DE",
@@ -94,7 +97,8 @@ int RunQcCommand(CommandArgs args, CommandOutput& io) {
   }
   QcSettings settings;
   std::string error;
-  if (parsed.Has("tolerance") && !ParsePositiveNumber(parsed.Get("tolerance"), settings.tolerance)) {
+  if (parsed.Has("tolerance") &&
+      !ParsePositiveNumber(parsed.Get("tolerance"), settings.tolerance)) {
     io.err += "velquor: tolerance '" + parsed.Get("tolerance") + "' is not a positive number\n";
     return kExitUsage;
   }
@@ -112,7 +116,8 @@ int RunQcCommand(CommandArgs args, CommandOutput& io) {
   QcSample standard;
   SampleSet trials;
   std::vector<std::string> notes;
-  if (!PrepareComparison(parsed, "cmc:2:1", settings, standard, trials, notes, io)) return kExitUsage;
+  if (!PrepareComparison(parsed, "cmc:2:1", settings, standard, trials, notes, io))
+    return kExitUsage;
   QcReport report = ComputeQcReport(settings, std::move(standard), std::move(trials.samples));
   report.standardSource = parsed.positional[0];
   report.trialsSource = parsed.positional[1];

@@ -5,7 +5,7 @@
 
 namespace velquor::cli {
 
-std::vector<OptionSpec> CommonOptions() {
+std::vector<OptionDefinition> CommonOptions() {
   return {
       {'i', "illuminant", OptionValue::kRequired, "LIST",
        "illuminant(s), e.g. D65 or D65/10,T84/10,A/2 (default D65)"},
@@ -20,25 +20,25 @@ std::vector<OptionSpec> CommonOptions() {
   };
 }
 
-bool ParseCommand(CommandArgs args, std::vector<OptionSpec> own, std::string_view usage,
+bool ParseCommand(CommandArgs args, std::vector<OptionDefinition> own, std::string_view usage,
                   std::string_view description, std::size_t positionalCount, ParsedArguments& out,
                   CommandOutput& io, int& exitCode) {
   static const std::string kIlluminantHelp =
       "illuminant(s), e.g. D65 or D65/10,T84/10,A/2 (default D65); codes: " + IlluminantHelp();
-  std::vector<OptionSpec> specs = std::move(own);
-  for (OptionSpec spec : CommonOptions()) {
-    if (spec.longName == "illuminant") spec.help = kIlluminantHelp;  // with the codes
-    specs.push_back(spec);
+  std::vector<OptionDefinition> definitions = std::move(own);
+  for (OptionDefinition option : CommonOptions()) {
+    if (option.longName == "illuminant") option.help = kIlluminantHelp;  // with the codes
+    definitions.push_back(option);
   }
   std::string error;
-  if (!ParseArguments(args, specs, out, error)) {
+  if (!ParseArguments(args, definitions, out, error)) {
     io.err += "velquor: " + error + "\nusage: " + std::string(usage) + "\n";
     exitCode = kExitUsage;
     return false;
   }
   if (out.Has("help")) {
-    io.out += "usage: " + std::string(usage) + "\n\n" + std::string(description) + "\n\noptions:\n" +
-              FormatOptionHelp(specs) +
+    io.out += "usage: " + std::string(usage) + "\n\n" + std::string(description) +
+              "\n\noptions:\n" + FormatOptionHelp(definitions) +
               "\nexit status: 0 success, 1 some sample rejected (qc: or out of tolerance), "
               "2 usage or file error\n";
     exitCode = kExitSuccess;
@@ -72,7 +72,8 @@ bool ReadSamples(const ParsedArguments& args, const std::string& path, SampleSet
                  CommandOutput& io, bool keepRows) {
   ReadOptions options;
   if (args.Has("scale") && !ParseScale(args.Get("scale"), options.scale)) {
-    io.err += "velquor: unknown scale '" + args.Get("scale") + "' (use fraction, percent or auto)\n";
+    io.err +=
+        "velquor: unknown scale '" + args.Get("scale") + "' (use fraction, percent or auto)\n";
     return false;
   }
   std::string error;
@@ -83,7 +84,8 @@ bool ReadSamples(const ParsedArguments& args, const std::string& path, SampleSet
   return true;
 }
 
-bool PickStandard(const ParsedArguments& args, const SampleSet& set, QcSample& out, CommandOutput& io) {
+bool PickStandard(const ParsedArguments& args, const SampleSet& set, QcSample& out,
+                  CommandOutput& io) {
   if (!args.Has("standard-name")) {
     out = set.samples.front();
     return true;
@@ -143,7 +145,8 @@ bool Emit(const ParsedArguments& args, const Source& source, std::string (*text)
 }  // namespace
 
 bool EmitTable(const ParsedArguments& args, const Table& table, CommandOutput& io) {
-  return Emit<Table>(args, table, RenderTableText, RenderTableCsv, RenderTableJson, RenderTableHtml, io);
+  return Emit<Table>(args, table, RenderTableText, RenderTableCsv, RenderTableJson, RenderTableHtml,
+                     io);
 }
 
 bool EmitQcReport(const ParsedArguments& args, const QcReport& report, CommandOutput& io) {

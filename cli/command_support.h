@@ -16,13 +16,13 @@
 namespace velquor::cli {
 
 // -i, -o, --scale, --csv, --json, --html, -h: every command takes them.
-std::vector<OptionSpec> CommonOptions();
+std::vector<OptionDefinition> CommonOptions();
 
 // Parses `args` with the command's own options plus the common ones. On --help writes
 // `usage`, `description` and the options to io.out and returns kExitSuccess in `exitCode`;
 // on an error writes it with the usage line to io.err and sets kExitUsage. Returns true when
 // the command should go on.
-bool ParseCommand(CommandArgs args, std::vector<OptionSpec> own, std::string_view usage,
+bool ParseCommand(CommandArgs args, std::vector<OptionDefinition> own, std::string_view usage,
                   std::string_view description, std::size_t positionalCount, ParsedArguments& out,
                   CommandOutput& io, int& exitCode);
 
@@ -36,7 +36,8 @@ bool ReadSamples(const ParsedArguments& args, const std::string& path, SampleSet
                  CommandOutput& io, bool keepRows = false);
 
 // Picks the standard: the sample named by --standard-name, else the first sample.
-bool PickStandard(const ParsedArguments& args, const SampleSet& set, QcSample& out, CommandOutput& io);
+bool PickStandard(const ParsedArguments& args, const SampleSet& set, QcSample& out,
+                  CommandOutput& io);
 
 // Writes `table` in the formats the options ask for: text to io.out unless --csv or --json
 // go there; files for --csv=FILE, --json=FILE and --html FILE. False (after writing the

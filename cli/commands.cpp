@@ -44,8 +44,8 @@ int RunVelquor(CommandArgs args, CommandOutput& io) {
     int (*run)(CommandArgs, CommandOutput&);
   };
   constexpr Entry kCommands[] = {
-      {"xyz", RunXyzCommand},     {"lab", RunLabCommand},     {"diff", RunDiffCommand},
-      {"qc", RunQcCommand},       {"index", RunIndexCommand}, {"strength", RunStrengthCommand},
+      {"xyz", RunXyzCommand},   {"lab", RunLabCommand},     {"diff", RunDiffCommand},
+      {"qc", RunQcCommand},     {"index", RunIndexCommand}, {"strength", RunStrengthCommand},
       {"demo", RunDemoCommand},
   };
   for (const Entry& entry : kCommands) {

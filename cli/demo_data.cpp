@@ -48,8 +48,8 @@ const std::vector<DemoBatch>& DemoBatches() {
 bool BuildDemoSamples(QcSample& standard, std::vector<QcSample>& batches,
                       std::vector<std::string>& notes, std::string& error) {
   SampleSet set;
-  if (!LoadSampleSetFromCsv(DemoSpectraCsv(), "colorchecker_ohta_380_780_5nm.csv", ReadOptions{}, set,
-                            error)) {
+  if (!LoadSampleSetFromCsv(DemoSpectraCsv(), "colorchecker_ohta_380_780_5nm.csv", ReadOptions{},
+                            set, error)) {
     return false;
   }
   const QcSample* found = nullptr;

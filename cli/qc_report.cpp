@@ -77,7 +77,8 @@ QcSummary Summarise(const std::vector<QcSample>& trials, std::size_t condition) 
 
 std::vector<std::string> DifferenceSlotLabels(int system) {
   std::vector<std::string> labels(7);
-  for (std::size_t i = 0; i < labels.size(); ++i) labels[i] = "(slot " + std::to_string(i + 1) + ")";
+  for (std::size_t i = 0; i < labels.size(); ++i)
+    labels[i] = "(slot " + std::to_string(i + 1) + ")";
   const std::vector<std::string> own =
       SplitColumnLabels(LoadDifferenceString(system, DifferenceString::kDifferenceColumns));
   const std::vector<int> slots = LabelledSlots(system, own.size());
@@ -100,7 +101,8 @@ bool QcReport::AllPassed() const {
                      [](const QcSummary& s) { return s.failed == 0 && s.rejected == 0; });
 }
 
-QcReport ComputeQcReport(const QcSettings& settings, QcSample standard, std::vector<QcSample> trials) {
+QcReport ComputeQcReport(const QcSettings& settings, QcSample standard,
+                         std::vector<QcSample> trials) {
   QcReport report;
   report.system = settings.system;
   report.tolerance = settings.tolerance;
@@ -116,7 +118,8 @@ QcReport ComputeQcReport(const QcSettings& settings, QcSample standard, std::vec
   Prepared standardPrepared;
   Prepared trialPrepared;
   QcSample& reference = report.standard;
-  if (reference.hasMissing) reference.note = "missing values at " + MissingWavelengthText(reference.curve);
+  if (reference.hasMissing)
+    reference.note = "missing values at " + MissingWavelengthText(reference.curve);
   for (QcSample& trial : report.trials) {
     if (trial.hasMissing) trial.note = "missing values at " + MissingWavelengthText(trial.curve);
   }
@@ -161,7 +164,8 @@ QcReport ComputeQcReport(const QcSettings& settings, QcSample standard, std::vec
       const CValueVector3& xyz = sample->results.front().xyz;
       for (const IndexChoice& index : settings.indices) {
         const IndexFormula* formula = FindIndexFormula(index.identifier);
-        sample->indices.push_back(formula != nullptr && formula->plain != nullptr && !sample->hasMissing
+        sample->indices.push_back(formula != nullptr && formula->plain != nullptr &&
+                                          !sample->hasMissing
                                       ? formula->plain(first.illuminant, first.observer, xyz)
                                       : kMissing);
       }

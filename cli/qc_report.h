@@ -18,24 +18,24 @@ namespace velquor::cli {
 
 // One trial (or the standard) under one condition.
 struct QcResult {
-  bool computed = false;        // false: a value the comparison needs is missing
-  CValueVector3 xyz;            // the sample's X, Y, Z
-  CValueVector5 lab;            // CIELAB L*, a*, b*, C*ab, hab (for the plots)
-  CColorVector7 difference;     // the system's seven slots (trial minus standard)
+  bool computed = false;             // false: a value the comparison needs is missing
+  CValueVector3 xyz;                 // the sample's X, Y, Z
+  CValueVector5 lab;                 // CIELAB L*, a*, b*, C*ab, hab (for the plots)
+  CColorVector7 difference;          // the system's seven slots (trial minus standard)
   std::array<double, 3> labDelta{};  // CIELAB ΔL*, Δa*, Δb* (for the plots)
-  std::string shade;            // shade description, e.g. "Darker,Redder, "
-  bool pass = false;            // computed and total difference <= tolerance
+  std::string shade;                 // shade description, e.g. "Darker,Redder, "
+  bool pass = false;                 // computed and total difference <= tolerance
 };
 
 struct QcSample {
   std::string name;
-  std::size_t line = 0;              // line in its file
-  CKSData curve;                     // reflectance in percent on the library's grid
-  bool hasMissing = false;           // some grid point is missing
-  std::string note;                  // why it was rejected, or empty
-  std::vector<QcResult> results;     // one per condition (the standard's: differences zero)
-  std::vector<double> indices;       // one per chosen index, first condition
-  double strength = 0.0;             // percent against the standard (when chosen)
+  std::size_t line = 0;           // line in its file
+  CKSData curve;                  // reflectance in percent on the library's grid
+  bool hasMissing = false;        // some grid point is missing
+  std::string note;               // why it was rejected, or empty
+  std::vector<QcResult> results;  // one per condition (the standard's: differences zero)
+  std::vector<double> indices;    // one per chosen index, first condition
+  double strength = 0.0;          // percent against the standard (when chosen)
 };
 
 // The batch statistics of the total difference under one condition, over computed trials.
@@ -46,11 +46,11 @@ struct QcSummary {
   std::size_t rejected = 0;  // not computed (missing values)
   double mean = 0.0;
   double max = 0.0;
-  double worst10 = 0.0;      // mean of the worst 10 % (at least one trial)
+  double worst10 = 0.0;  // mean of the worst 10 % (at least one trial)
 };
 
 struct QcReport {
-  std::string standardSource;   // file names (or "embedded sample data")
+  std::string standardSource;  // file names (or "embedded sample data")
   std::string trialsSource;
   DifferenceChoice system;
   double tolerance = 1.0;
@@ -61,11 +61,11 @@ struct QcReport {
   std::vector<std::string> columnLabels;  // the system's seven slot labels
   QcSample standard;
   std::vector<QcSample> trials;
-  std::vector<QcSummary> summaries;       // one per condition
+  std::vector<QcSummary> summaries;  // one per condition
   // Tolerance shape of the first condition in the a*b* plane around the standard: points
   // (Δa*, Δb*) where the system's total difference equals the tolerance at ΔL* = 0.
   std::vector<std::array<double, 2>> toleranceContour;
-  std::vector<std::string> notes;         // how the files were read and mapped
+  std::vector<std::string> notes;  // how the files were read and mapped
 
   bool AllPassed() const;
 };
@@ -82,7 +82,8 @@ struct QcSettings {
 
 // Compares every trial with the standard. Samples with missing grid points are kept and
 // reported (computed = false) when a result cannot be obtained.
-QcReport ComputeQcReport(const QcSettings& settings, QcSample standard, std::vector<QcSample> trials);
+QcReport ComputeQcReport(const QcSettings& settings, QcSample standard,
+                         std::vector<QcSample> trials);
 
 }  // namespace velquor::cli
 

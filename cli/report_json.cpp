@@ -169,7 +169,8 @@ std::string RenderQcJson(const QcReport& report) {
   Key(out, "tolerance");
   Number(out, report.tolerance);
   Key(out, "conditions");
-  Array(out, report.conditions.size(), [&](std::size_t c) { Quote(out, report.conditions[c].label); });
+  Array(out, report.conditions.size(),
+        [&](std::size_t c) { Quote(out, report.conditions[c].label); });
   if (report.withStrength) {
     Key(out, "strengthMethod");
     Quote(out, report.strength.name);

@@ -12,8 +12,9 @@ namespace {
 
 // Columns a text takes on a terminal: its UTF-8 code points ("ΔE*ab" is five).
 std::size_t DisplayWidth(std::string_view text) {
-  return static_cast<std::size_t>(std::count_if(
-      text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
+    return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+  }));
 }
 
 void AppendPadded(std::string& out, std::string_view text, std::size_t width, bool right) {
@@ -57,7 +58,9 @@ void Append(std::string& out, std::initializer_list<std::string_view> parts) {
   for (std::string_view part : parts) out.append(part);
 }
 
-std::string Fixed(double value, int decimals) { return NumberCell(value, decimals).text; }
+std::string Fixed(double value, int decimals) {
+  return NumberCell(value, decimals).text;
+}
 
 }  // namespace
 
@@ -114,7 +117,8 @@ std::vector<std::string> QcResultHeaders(const QcReport& report) {
   return headers;
 }
 
-void QcResultRow(const QcReport& report, const QcSample& trial, std::size_t c, std::vector<Cell>& row) {
+void QcResultRow(const QcReport& report, const QcSample& trial, std::size_t c,
+                 std::vector<Cell>& row) {
   const QcResult& result = trial.results[c];
   row.clear();
   row.push_back(TextCell(trial.name));
@@ -149,9 +153,10 @@ std::string RenderQcText(const QcReport& report) {
   std::string out;
   out += "Colour QC report\n";
   Append(out, {"Standard: ", report.standard.name, " from ", report.standardSource, "\n"});
-  Append(out, {"Trials: ", std::to_string(report.trials.size()), " from ", report.trialsSource, "\n"});
-  Append(out, {"Difference system: ", report.system.caption, "; tolerance ", Fixed(report.tolerance, 2),
-               " ", report.columnLabels[6], "\n"});
+  Append(out,
+         {"Trials: ", std::to_string(report.trials.size()), " from ", report.trialsSource, "\n"});
+  Append(out, {"Difference system: ", report.system.caption, "; tolerance ",
+               Fixed(report.tolerance, 2), " ", report.columnLabels[6], "\n"});
   out += "Conditions:";
   for (const Condition& condition : report.conditions) Append(out, {" ", condition.label});
   out += "\n";
@@ -161,7 +166,8 @@ std::string RenderQcText(const QcReport& report) {
   table.title.clear();  // the header above says it
   Append(out, {"\n", RenderTableText(table), "\nBatch summary (", report.columnLabels[6], ")\n"});
   Table summary;
-  summary.headers = {"condition", "trials", "pass", "fail", "rejected", "mean", "max", "worst 10 %"};
+  summary.headers = {"condition", "trials", "pass", "fail",
+                     "rejected",  "mean",   "max",  "worst 10 %"};
   for (std::size_t c = 0; c < report.summaries.size(); ++c) {
     const QcSummary& s = report.summaries[c];
     summary.rows.push_back({TextCell(report.conditions[c].label), NumberCell(s.trials, 0),

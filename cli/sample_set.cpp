@@ -16,8 +16,8 @@ bool MapSamples(SampleSet& set, std::string& error) {
     error = status.error.Message();
     return false;
   }
-  set.notes.push_back(set.source + ": " + std::to_string(set.file.samples.size()) +
-                      " samples; " + set.file.DescribeScale() + "; " + mapping.Describe());
+  set.notes.push_back(set.source + ": " + std::to_string(set.file.samples.size()) + " samples; " +
+                      set.file.DescribeScale() + "; " + mapping.Describe());
   for (const MeasurementNote& note : set.file.notes) {
     set.notes.push_back(set.source + ":" + std::to_string(note.line) + ": " + note.text);
   }

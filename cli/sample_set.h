@@ -12,10 +12,10 @@
 namespace velquor::cli {
 
 struct SampleSet {
-  std::string source;               // the file name as given
-  MeasurementFile file;             // as read (its rows only when kept, for writing back)
-  std::vector<QcSample> samples;    // name, line and curve of each sample
-  std::vector<std::string> notes;   // scale, mapping, missing values
+  std::string source;              // the file name as given
+  MeasurementFile file;            // as read (its rows only when kept, for writing back)
+  std::vector<QcSample> samples;   // name, line and curve of each sample
+  std::vector<std::string> notes;  // scale, mapping, missing values
 };
 
 // Reads and maps `path`. False with a message naming the file (and the line) when the file

@@ -12,11 +12,11 @@ struct Cell {
   bool number = false;  // JSON writes `value` as a number (null when missing)
   bool missing = false;
   double value = 0.0;
-  bool fail = false;    // highlighted as a failed value (HTML colouring, JSON flag)
+  bool fail = false;  // highlighted as a failed value (HTML colouring, JSON flag)
 };
 
 struct Table {
-  std::string title;                    // e.g. "CIELAB, D65/10°"
+  std::string title;  // e.g. "CIELAB, D65/10°"
   std::vector<std::string> headers;
   std::vector<std::vector<Cell>> rows;  // each row has headers.size() cells
   std::vector<std::string> notes;       // how the input was read, rejected samples ...

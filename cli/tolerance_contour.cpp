@@ -51,7 +51,8 @@ class TotalDifference {
 
 std::vector<std::array<double, 2>> ToleranceContour(const CValueVector5& standardLab,
                                                     const Condition& condition,
-                                                    const DifferenceChoice& system, double tolerance) {
+                                                    const DifferenceChoice& system,
+                                                    double tolerance) {
   std::vector<std::array<double, 2>> contour;
   for (std::size_t i = 0; i < 3; ++i) {
     if (standardLab.GetSize() < 3 || IsMissing(standardLab[i]) || std::isnan(standardLab[i])) {

@@ -21,6 +21,7 @@ inline constexpr int kContourPoints = 72;
 // reached within 200 units of a*b* ends at 200.
 std::vector<std::array<double, 2>> ToleranceContour(const CValueVector5& standardLab,
                                                     const Condition& condition,
-                                                    const DifferenceChoice& system, double tolerance);
+                                                    const DifferenceChoice& system,
+                                                    double tolerance);
 
 }  // namespace velquor::cli

@@ -9,28 +9,28 @@ namespace velquor::cli {
 namespace {
 
 TEST(Arguments, ShortLongAttachedAndOptionalForms) {
-  const OptionSpec specs[] = {{'t', "tolerance", OptionValue::kRequired, "DE", ""},
-                              {0, "csv", OptionValue::kOptional, "FILE", ""},
-                              {'h', "help", OptionValue::kNone, "", ""}};
+  const OptionDefinition definitions[] = {{'t', "tolerance", OptionValue::kRequired, "DE", ""},
+                                          {0, "csv", OptionValue::kOptional, "FILE", ""},
+                                          {'h', "help", OptionValue::kNone, "", ""}};
   const std::vector<std::string> args{"a", "-t1.5", "--csv", "b", "--", "-c"};
   ParsedArguments parsed;
   std::string error;
-  ASSERT_TRUE(ParseArguments(args, specs, parsed, error)) << error;
+  ASSERT_TRUE(ParseArguments(args, definitions, parsed, error)) << error;
   EXPECT_EQ(parsed.Get("tolerance"), "1.5");
   EXPECT_TRUE(parsed.Has("csv"));
   EXPECT_EQ(parsed.Get("csv"), "");  // an optional value never takes the next argument
   EXPECT_EQ(parsed.positional, (std::vector<std::string>{"a", "b", "-c"}));
   ASSERT_TRUE(ParseArguments(std::vector<std::string>{"--tolerance=2", "--csv=o.csv", "-t", "3"},
-                             specs, parsed, error));
+                             definitions, parsed, error));
   EXPECT_EQ(parsed.Get("tolerance"), "3");  // the last one counts
   EXPECT_EQ(parsed.Get("csv"), "o.csv");
-  for (const std::vector<std::string>& bad : {std::vector<std::string>{"--help=yes"},
-                                              std::vector<std::string>{"-hx"},
-                                              std::vector<std::string>{"--tolerance"},
-                                              std::vector<std::string>{"-x"}}) {
-    EXPECT_FALSE(ParseArguments(bad, specs, parsed, error)) << bad[0];
+  for (const std::vector<std::string>& bad :
+       {std::vector<std::string>{"--help=yes"}, std::vector<std::string>{"-hx"},
+        std::vector<std::string>{"--tolerance"}, std::vector<std::string>{"-x"}}) {
+    EXPECT_FALSE(ParseArguments(bad, definitions, parsed, error)) << bad[0];
   }
-  EXPECT_TRUE(ParseArguments(std::vector<std::string>{"-"}, specs, parsed, error));  // a file "-"
+  EXPECT_TRUE(
+      ParseArguments(std::vector<std::string>{"-"}, definitions, parsed, error));  // a file "-"
 }
 
 TEST(Choices, ConditionsByCodeAliasAndObserver) {
@@ -101,9 +101,12 @@ TEST(Choices, StrengthMethodsByNameCodeAndWavelength) {
     int wavelength;
     bool absorbance;
   } kCases[] = {
-      {"apparent", 0, 500, false},       {"chromatic@520", 2, 520, false},
-      {"base-chromatic@400", 14, 400, false}, {"tris-z", 10, 500, false},
-      {"12", 12, 500, false},            {"apparent:absorbance", 0, 500, true},
+      {"apparent", 0, 500, false},
+      {"chromatic@520", 2, 520, false},
+      {"base-chromatic@400", 14, 400, false},
+      {"tris-z", 10, 500, false},
+      {"12", 12, 500, false},
+      {"apparent:absorbance", 0, 500, true},
   };
   for (const auto& c : kCases) {
     StrengthChoice choice;

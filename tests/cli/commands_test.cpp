@@ -16,13 +16,15 @@ namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-const std::string kColorChecker = VELQUOR_TEST_DATA_DIR "/samples/colorchecker_ohta_380_780_5nm.csv";
+const std::string kColorChecker =
+    VELQUOR_TEST_DATA_DIR "/samples/colorchecker_ohta_380_780_5nm.csv";
 
 class CommandTest : public ::testing::Test {
  protected:
   void SetUp() override {
     dir_ = fs::temp_directory_path() /
-           ("velquor_cli_" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
+           ("velquor_cli_" +
+            std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
     fs::remove_all(dir_);
     fs::create_directories(dir_);
   }
@@ -54,7 +56,9 @@ std::string SmallCgats(const std::string& middle = "\"\"") {
   return "CGATS.17\nNUMBER_OF_FIELDS 5\nBEGIN_DATA_FORMAT\nSAMPLE_NAME nm400 nm500 nm600 nm700\n"
          "END_DATA_FORMAT\nNUMBER_OF_SETS 3\nBEGIN_DATA\n"
          "std 20 40 60 80\n"
-         "gap 20 " + middle + " 60 80\n"
+         "gap 20 " +
+         middle +
+         " 60 80\n"
          "near 20.2 40.1 60 80\n"
          "END_DATA\n";
 }
@@ -97,11 +101,14 @@ TEST_F(CommandTest, EveryCommandHasHelp) {
 }
 
 TEST_F(CommandTest, MalformedFilesNameFileAndLine) {
-  const std::string unterminated = Write("u.txt", "BEGIN_DATA_FORMAT\nSAMPLE_ID nm400 nm500 nm600\n"
-                                                  "END_DATA_FORMAT\nBEGIN_DATA\n1 1 2 3\n");
+  const std::string unterminated = Write("u.txt",
+                                         "BEGIN_DATA_FORMAT\nSAMPLE_ID nm400 nm500 nm600\n"
+                                         "END_DATA_FORMAT\nBEGIN_DATA\n1 1 2 3\n");
   EXPECT_EQ(Run({"xyz", unterminated}), kExitUsage);
   EXPECT_THAT(io_.err, HasSubstr("u.txt:"));
-  const std::string garbage = Write("g.txt", std::string("\x7f" "ELF\x01\x00\x00", 7));
+  const std::string garbage = Write("g.txt", std::string("\x7f"
+                                                         "ELF\x01\x00\x00",
+                                                         7));
   EXPECT_EQ(Run({"lab", garbage}), kExitUsage);
   EXPECT_THAT(io_.err, HasSubstr("g.txt"));
   const std::string text = Write("t.csv", "name,400,500,600\na,1,x,3\n");
@@ -137,8 +144,10 @@ TEST_F(CommandTest, QcExitCodeFollowsTheTolerance) {
     largest = std::max(largest, std::stod(line.substr(total + 1, shade - total - 1)));
   }
   ASSERT_GT(largest, 0.05);
-  EXPECT_EQ(Run({"qc", file, file, "-s", "cielab", "-t", std::to_string(largest + 0.01)}), kExitSuccess);
-  EXPECT_EQ(Run({"qc", file, file, "-s", "cielab", "-t", std::to_string(largest - 0.01)}), kExitRejected);
+  EXPECT_EQ(Run({"qc", file, file, "-s", "cielab", "-t", std::to_string(largest + 0.01)}),
+            kExitSuccess);
+  EXPECT_EQ(Run({"qc", file, file, "-s", "cielab", "-t", std::to_string(largest - 0.01)}),
+            kExitRejected);
   EXPECT_THAT(io_.out, HasSubstr("fail"));
 }
 
@@ -147,8 +156,9 @@ TEST_F(CommandTest, OutputFilesAreWrittenWholeOrNotAtAll) {
   const std::string csv = (dir_ / "out.csv").string();
   const std::string json = (dir_ / "out.json").string();
   const std::string html = (dir_ / "out.html").string();
-  ASSERT_EQ(Run({"qc", file, file, "--csv=" + csv, "--json=" + json, "--html", html, "-i", "D65/10,A/2"}),
-            kExitSuccess);
+  ASSERT_EQ(
+      Run({"qc", file, file, "--csv=" + csv, "--json=" + json, "--html", html, "-i", "D65/10,A/2"}),
+      kExitSuccess);
   EXPECT_THAT(Read(html), HasSubstr("id=\"ab-plot\""));
   EXPECT_THAT(io_.out, HasSubstr("Batch summary"));  // files do not silence the terminal report
   EXPECT_THAT(Read(csv), HasSubstr("near,A/2°"));

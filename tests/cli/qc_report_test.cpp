@@ -37,8 +37,10 @@ TEST(QcReport, TrialExactlyAtTheTolerancePasses) {
   const QcReport probe = ComputeQcReport(Settings("cielab", 100), standard, {Sample("t", 21, 1)});
   const double total = probe.trials[0].results[0].difference[6];
   ASSERT_GT(total, 0.1);
-  EXPECT_TRUE(ComputeQcReport(Settings("cielab", total), standard, {Sample("t", 21, 1)}).AllPassed());
-  const QcReport below = ComputeQcReport(Settings("cielab", total * (1 - 1e-12)), standard, {Sample("t", 21, 1)});
+  EXPECT_TRUE(
+      ComputeQcReport(Settings("cielab", total), standard, {Sample("t", 21, 1)}).AllPassed());
+  const QcReport below =
+      ComputeQcReport(Settings("cielab", total * (1 - 1e-12)), standard, {Sample("t", 21, 1)});
   EXPECT_FALSE(below.AllPassed());
   EXPECT_EQ(below.summaries[0].failed, 1u);
 }
@@ -50,7 +52,8 @@ TEST(QcReport, SummaryCountsAndWorstTenthRoundsUp) {
   gap.curve[14] = kMissing;
   gap.hasMissing = true;
   trials.push_back(gap);
-  const QcReport report = ComputeQcReport(Settings("cmc:2:1", 0.5, "D65/10,A/2"), Sample("std", 20, 1), trials);
+  const QcReport report =
+      ComputeQcReport(Settings("cmc:2:1", 0.5, "D65/10,A/2"), Sample("std", 20, 1), trials);
   ASSERT_EQ(report.summaries.size(), 2u);
   for (std::size_t c = 0; c < 2; ++c) {
     std::vector<double> totals;
@@ -81,8 +84,8 @@ TEST(QcReport, MissingStandardRejectsEveryTrial) {
 }
 
 TEST(QcReport, SlotLabelsFollowTheSystemsColumns) {
-  EXPECT_EQ(DifferenceSlotLabels(1),
-            (std::vector<std::string>{"ΔL*", "Δa*", "Δb*", "ΔL*cmc", "ΔC*cmc", "ΔH*cmc", "ΔE*cmc"}));
+  EXPECT_EQ(DifferenceSlotLabels(1), (std::vector<std::string>{"ΔL*", "Δa*", "Δb*", "ΔL*cmc",
+                                                               "ΔC*cmc", "ΔH*cmc", "ΔE*cmc"}));
   EXPECT_EQ(DifferenceSlotLabels(0),
             (std::vector<std::string>{"ΔL*", "Δa*", "Δb*", "(slot 4)", "ΔC*", "ΔH*", "ΔE*ab"}));
   EXPECT_EQ(DifferenceSlotLabels(3)[4], "ΔC");
@@ -135,18 +138,27 @@ TEST_P(ToleranceContourTest, EveryPointIsAtTheTolerance) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Systems, ToleranceContourTest,
-    ::testing::Values(
-        ContourCase{"cielab", [](const cmsCIELab& s, const cmsCIELab& t) { return cmsDeltaE(&s, &t); }},
-        ContourCase{"cmc:2:1", [](const cmsCIELab& s, const cmsCIELab& t) { return cmsCMCdeltaE(&s, &t, 2, 1); }},
-        ContourCase{"cie2000:1:1:1",
-                    [](const cmsCIELab& s, const cmsCIELab& t) { return cmsCIE2000DeltaE(&s, &t, 1, 1, 1); }}),
-    [](const auto& info) {
-      std::string name = info.param.system;
-      std::replace_if(name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
-      return name;
-    });
+INSTANTIATE_TEST_SUITE_P(Systems, ToleranceContourTest,
+                         ::testing::Values(ContourCase{"cielab",
+                                                       [](const cmsCIELab& s, const cmsCIELab& t) {
+                                                         return cmsDeltaE(&s, &t);
+                                                       }},
+                                           ContourCase{"cmc:2:1",
+                                                       [](const cmsCIELab& s, const cmsCIELab& t) {
+                                                         return cmsCMCdeltaE(&s, &t, 2, 1);
+                                                       }},
+                                           ContourCase{"cie2000:1:1:1",
+                                                       [](const cmsCIELab& s, const cmsCIELab& t) {
+                                                         return cmsCIE2000DeltaE(&s, &t, 1, 1, 1);
+                                                       }}),
+                         [](const auto& info) {
+                           std::string name = info.param.system;
+                           std::replace_if(
+                               name.begin(), name.end(),
+                               [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); },
+                               '_');
+                           return name;
+                         });
 
 }  // namespace
 }  // namespace velquor::cli

@@ -67,8 +67,10 @@ constexpr std::array<std::uint32_t, std::size(kFormulas)> MakeIdentifiers() {
 constexpr auto kIdentifiers = MakeIdentifiers();
 
 std::string_view Trim(std::string_view text) {
-  while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front()))) text.remove_prefix(1);
-  while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back()))) text.remove_suffix(1);
+  while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front())))
+    text.remove_prefix(1);
+  while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back())))
+    text.remove_suffix(1);
   return text;
 }
 
@@ -97,6 +99,8 @@ std::uint32_t FindIndexFormulaByName(std::string_view name) {
   return kNoIndexFormula;
 }
 
-std::span<const std::uint32_t> IndexFormulaIdentifiers() { return kIdentifiers; }
+std::span<const std::uint32_t> IndexFormulaIdentifiers() {
+  return kIdentifiers;
+}
 
 }  // namespace velquor
