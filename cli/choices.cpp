@@ -10,6 +10,7 @@
 #include "velquor/data/measurement_file.h"
 #include "velquor/difference/color_difference.h"
 #include "velquor/difference/system_catalogue.h"
+#include "velquor/frame/ascii_text.h"
 #include "velquor/indices/index_catalogue.h"
 #include "velquor/indices/index_formulas.h"
 #include "velquor/strength/strength_labels.h"
@@ -18,26 +19,11 @@ namespace velquor::cli {
 
 namespace {
 
-bool EqualsNoCase(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-           return std::tolower(static_cast<unsigned char>(x)) ==
-                  std::tolower(static_cast<unsigned char>(y));
-         });
-}
-
-std::string_view Trim(std::string_view text) {
-  while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front())))
-    text.remove_prefix(1);
-  while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back())))
-    text.remove_suffix(1);
-  return text;
-}
-
 std::vector<std::string_view> Split(std::string_view text, char separator) {
   std::vector<std::string_view> parts;
   for (;;) {
     const std::size_t at = text.find(separator);
-    parts.push_back(Trim(text.substr(0, at)));
+    parts.push_back(TrimBlanks(text.substr(0, at)));
     if (at == std::string_view::npos) return parts;
     text.remove_prefix(at + 1);
   }
@@ -112,19 +98,19 @@ constexpr StrengthName kStrengthNames[] = {
 }  // namespace
 
 int FindIlluminant(std::string_view code) {
-  code = Trim(code);
+  code = TrimBlanks(code);
   std::string known;
   for (int i = 0; i < kIlluminantCount; ++i) {
-    if (LoadIlluminantCode(i, known) != 0 && EqualsNoCase(known, code)) return i;
+    if (LoadIlluminantCode(i, known) != 0 && EqualsIgnoringCase(known, code)) return i;
   }
   for (const Alias& alias : kIlluminantAliases) {
-    if (EqualsNoCase(alias.name, code)) return alias.illuminant;
+    if (EqualsIgnoringCase(alias.name, code)) return alias.illuminant;
   }
   return -1;
 }
 
 bool ParseObserver(std::string_view text, int& observer, std::string& error) {
-  text = Trim(text);
+  text = TrimBlanks(text);
   if (text.ends_with("°")) text.remove_suffix(std::string_view("°").size());
   if (text == "2") {
     observer = kObserver2Degree;
@@ -149,7 +135,7 @@ std::string ConditionLabel(int illuminant, int observer) {
 bool ParseCondition(std::string_view text, int defaultObserver, Condition& out,
                     std::string& error) {
   const std::size_t slash = text.find('/');
-  const std::string_view code = Trim(text.substr(0, slash));
+  const std::string_view code = TrimBlanks(text.substr(0, slash));
   const int illuminant = FindIlluminant(code);
   if (illuminant < 0) {
     error = "unknown illuminant '" + std::string(code) + "' (known: " + IlluminantHelp() + ")";
@@ -190,7 +176,7 @@ std::string IlluminantHelp() {
 bool ParseDifferenceSystem(std::string_view text, DifferenceChoice& out, std::string& error) {
   const std::vector<std::string_view> parts = Split(text, ':');
   for (const SystemName& known : kSystems) {
-    if (!EqualsNoCase(known.name, parts[0])) continue;
+    if (!EqualsIgnoringCase(known.name, parts[0])) continue;
     const std::size_t given = parts.size() - 1;
     const std::size_t most =
         static_cast<std::size_t>(known.weightCount) + (known.parameter ? 1 : 0);
@@ -244,7 +230,7 @@ bool ParseColourSpace(std::string_view text, ColourSpace& out, std::string& erro
                              {"din99", ColourSpace::kDin99}, {"yxy", ColourSpace::kYxy},
                              {"rgb", ColourSpace::kRgb}};
   for (const Name& name : kNames) {
-    if (EqualsNoCase(name.name, Trim(text))) {
+    if (EqualsIgnoringCase(name.name, TrimBlanks(text))) {
       out = name.space;
       return true;
     }
@@ -287,31 +273,31 @@ std::string IndexHelp() {
 
 bool ParseStrengthMethod(std::string_view text, StrengthChoice& out, std::string& error) {
   StrengthChoice choice;
-  choice.name = std::string(Trim(text));
-  std::string_view name = Trim(text);
+  choice.name = std::string(TrimBlanks(text));
+  std::string_view name = TrimBlanks(text);
   if (const std::size_t colon = name.find(':'); colon != std::string_view::npos) {
-    if (!EqualsNoCase(Trim(name.substr(colon + 1)), "absorbance")) {
+    if (!EqualsIgnoringCase(TrimBlanks(name.substr(colon + 1)), "absorbance")) {
       error = "unknown strength option '" + std::string(name.substr(colon + 1)) +
               "' (only ':absorbance')";
       return false;
     }
     choice.useAbsorbance = true;
-    name = Trim(name.substr(0, colon));
+    name = TrimBlanks(name.substr(0, colon));
   }
   int wavelength = -1;
   if (const std::size_t at = name.find('@'); at != std::string_view::npos) {
-    const std::string_view digits = Trim(name.substr(at + 1));
+    const std::string_view digits = TrimBlanks(name.substr(at + 1));
     const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), wavelength);
     if (parsed.ec != std::errc() || parsed.ptr != digits.data() + digits.size() ||
         wavelength < 360 || wavelength > 750) {
       error = "wavelength '" + std::string(digits) + "' is not a whole number of nm in 360-750";
       return false;
     }
-    name = Trim(name.substr(0, at));
+    name = TrimBlanks(name.substr(0, at));
   }
   int code = -1;
   for (const StrengthName& known : kStrengthNames) {
-    if (EqualsNoCase(known.name, name)) code = StrengthMethodCode(known.method);
+    if (EqualsIgnoringCase(known.name, name)) code = StrengthMethodCode(known.method);
   }
   if (code < 0) {
     int number = -1;
@@ -350,7 +336,7 @@ std::string StrengthMethodHelp() {
 
 bool ParsePositiveNumber(std::string_view text, double& value) {
   double parsed = 0.0;
-  if (!ParseNumber(Trim(text), parsed) || !(parsed > 0.0)) return false;
+  if (!ParseNumber(TrimBlanks(text), parsed) || !(parsed > 0.0)) return false;
   value = parsed;
   return true;
 }

@@ -33,9 +33,7 @@ int RunDemoCommand(CommandArgs args, CommandOutput& io) {
         "\n";
     return kExitUsage;
   }
-  ParsedArguments withConditions = parsed;
-  if (!withConditions.Has("illuminant")) withConditions.values["illuminant"] = "D65/10,A/10,T84/10";
-  if (!ReadConditions(withConditions, settings.conditions, io)) return kExitUsage;
+  if (!ReadConditions(parsed, settings.conditions, io, "D65/10,A/10,T84/10")) return kExitUsage;
   ParseIndices("Dom. Wav.,Purity", settings.indices, error);
   settings.withStrength = ParseStrengthMethod("apparent", settings.strength, error);
 

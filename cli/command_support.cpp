@@ -54,14 +54,15 @@ bool ParseCommand(CommandArgs args, std::vector<OptionDefinition> own, std::stri
   return true;
 }
 
-bool ReadConditions(const ParsedArguments& args, std::vector<Condition>& out, CommandOutput& io) {
+bool ReadConditions(const ParsedArguments& args, std::vector<Condition>& out, CommandOutput& io,
+                    std::string_view fallback) {
   std::string error;
   int observer = 1;
   if (args.Has("observer") && !ParseObserver(args.Get("observer"), observer, error)) {
     io.err += "velquor: " + error + "\n";
     return false;
   }
-  if (!ParseConditions(args.Get("illuminant", "D65"), observer, out, error)) {
+  if (!ParseConditions(args.Get("illuminant", fallback), observer, out, error)) {
     io.err += "velquor: " + error + "\n";
     return false;
   }

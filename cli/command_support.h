@@ -26,9 +26,10 @@ bool ParseCommand(CommandArgs args, std::vector<OptionDefinition> own, std::stri
                   std::string_view description, std::size_t positionalCount, ParsedArguments& out,
                   CommandOutput& io, int& exitCode);
 
-// The conditions of -i and -o (default D65 with the 10° observer). False after writing the
-// error to io.err.
-bool ReadConditions(const ParsedArguments& args, std::vector<Condition>& out, CommandOutput& io);
+// The conditions of -i and -o (without -i, `fallback`; the observer defaults to 10°). False
+// after writing the error to io.err.
+bool ReadConditions(const ParsedArguments& args, std::vector<Condition>& out, CommandOutput& io,
+                    std::string_view fallback = "D65");
 
 // Reads a measurement file with --scale applied (see LoadSampleSet for `keepRows`). False
 // after writing the error to io.err.

@@ -156,36 +156,30 @@ QcReport ComputeQcReport(const QcSettings& settings, QcSample standard,
       report.toleranceContour =
           ToleranceContour(reference.results.front().lab, first, system, settings.tolerance);
     }
-    for (QcSample* sample : [&] {
-           std::vector<QcSample*> all{&reference};
-           for (QcSample& trial : report.trials) all.push_back(&trial);
-           return all;
-         }()) {
-      const CValueVector3& xyz = sample->results.front().xyz;
+    // Indices and strength of one sample under the first condition.
+    const auto addIndicesAndStrength = [&](QcSample& sample) {
+      const CValueVector3& xyz = sample.results.front().xyz;
       for (const IndexChoice& index : settings.indices) {
         const IndexFormula* formula = FindIndexFormula(index.identifier);
-        sample->indices.push_back(formula != nullptr && formula->plain != nullptr &&
-                                          !sample->hasMissing
-                                      ? formula->plain(first.illuminant, first.observer, xyz)
-                                      : kMissing);
+        const bool computable =
+            formula != nullptr && formula->plain != nullptr && !sample.hasMissing;
+        sample.indices.push_back(computable ? formula->plain(first.illuminant, first.observer, xyz)
+                                            : kMissing);
       }
-      if (settings.withStrength) {
-        int wavelength = 0;
-        sample->strength =
-            reference.hasMissing || sample->hasMissing
-                ? kMissing
-                : CalcStrength(settings.strength.settings, reference.curve, sample->curve,
-                               reference.results.front().xyz, xyz, first.illuminant, first.observer,
-                               settings.strength.useAbsorbance, wavelength);
-      }
-    }
+      if (!settings.withStrength) return;
+      int wavelength = 0;
+      sample.strength =
+          reference.hasMissing || sample.hasMissing
+              ? kMissing
+              : CalcStrength(settings.strength.settings, reference.curve, sample.curve,
+                             reference.results.front().xyz, xyz, first.illuminant, first.observer,
+                             settings.strength.useAbsorbance, wavelength);
+    };
+    addIndicesAndStrength(reference);
+    for (QcSample& trial : report.trials) addIndicesAndStrength(trial);
   }
   return report;
 }
-
-}  // namespace velquor::cli
-
-namespace velquor::cli {
 
 std::string ShadeWords(std::string_view shade) {
   std::string words;

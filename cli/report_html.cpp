@@ -133,25 +133,6 @@ std::string Name(const std::string& name) {
   return name.empty() ? "(unnamed)" : name;
 }
 
-// "Darker,Redder, " -> "Darker, Redder".
-std::string TidyShade(std::string_view shade) {
-  std::string tidy;
-  std::size_t start = 0;
-  while (start <= shade.size()) {
-    std::size_t end = shade.find(',', start);
-    if (end == std::string_view::npos) end = shade.size();
-    std::string_view part = shade.substr(start, end - start);
-    while (!part.empty() && part.front() == ' ') part.remove_prefix(1);
-    while (!part.empty() && part.back() == ' ') part.remove_suffix(1);
-    if (!part.empty()) {
-      if (!tidy.empty()) tidy += ", ";
-      tidy += part;
-    }
-    start = end + 1;
-  }
-  return tidy;
-}
-
 const QcResult* ResultOf(const QcSample& sample, std::size_t condition) {
   return condition < sample.results.size() ? &sample.results[condition] : nullptr;
 }
@@ -424,7 +405,7 @@ void RenderDifferences(std::string& out, const QcReport& report) {
           const double v = s < result->difference.GetSize() ? result->difference[s] : kMissing;
           ValueCell(out, v, 2, s == kTotalSlot && !result->pass ? "fail" : "");
         }
-        TableCell(out, TidyShade(result->shade), "shade");
+        TableCell(out, ShadeWords(result->shade), "shade");
         TableCell(out, result->pass ? "pass" : "fail",
                   result->pass ? "result pass" : "result fail");
       }

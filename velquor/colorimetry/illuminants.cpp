@@ -2,17 +2,12 @@
 
 #include <charconv>
 
+#include "velquor/frame/ascii_text.h"
 #include "velquor/frame/resources.h"
 
 namespace velquor {
 
 namespace {
-
-std::string_view TrimBlanks(std::string_view text) {
-  while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
-  while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
-  return text;
-}
 
 // Loads the whole text of `index` and keeps the part `pick` selects.
 int LoadIlluminantPart(int index, std::string& out, std::string_view (*pick)(std::string_view)) {

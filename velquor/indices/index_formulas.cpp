@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <string>
 
+#include "velquor/frame/ascii_text.h"
 #include "velquor/indices/dominant_wavelength.h"
 #include "velquor/indices/filter_values.h"
 #include "velquor/indices/index_catalogue.h"
@@ -66,14 +66,6 @@ constexpr std::array<std::uint32_t, std::size(kFormulas)> MakeIdentifiers() {
 }
 constexpr auto kIdentifiers = MakeIdentifiers();
 
-std::string_view Trim(std::string_view text) {
-  while (!text.empty() && std::isspace(static_cast<unsigned char>(text.front())))
-    text.remove_prefix(1);
-  while (!text.empty() && std::isspace(static_cast<unsigned char>(text.back())))
-    text.remove_suffix(1);
-  return text;
-}
-
 }  // namespace
 
 const IndexFormula* FindIndexFormula(std::uint32_t identifier) {
@@ -84,17 +76,11 @@ const IndexFormula* FindIndexFormula(std::uint32_t identifier) {
 }
 
 std::uint32_t FindIndexFormulaByName(std::string_view name) {
-  name = Trim(name);
+  name = TrimBlanks(name);
   std::string known;
   for (const IndexFormula& formula : kFormulas) {
     LoadIndexName(formula.identifier, known);
-    if (known.size() == name.size() &&
-        std::equal(known.begin(), known.end(), name.begin(), [](char a, char b) {
-          return std::tolower(static_cast<unsigned char>(a)) ==
-                 std::tolower(static_cast<unsigned char>(b));
-        })) {
-      return formula.identifier;
-    }
+    if (EqualsIgnoringCase(known, name)) return formula.identifier;
   }
   return kNoIndexFormula;
 }
