@@ -117,6 +117,8 @@ QcReport ComputeQcReport(const QcSettings& settings, QcSample standard,
   const DifferenceChoice& system = settings.system;
   Prepared standardPrepared;
   Prepared trialPrepared;
+  CDWordArray codes;  // the shade codes and colours, not reported; kept across trials
+  CDWordArray colours;
   QcSample& reference = report.standard;
   if (reference.hasMissing)
     reference.note = "missing values at " + MissingWavelengthText(reference.curve);
@@ -141,8 +143,6 @@ QcReport ComputeQcReport(const QcSettings& settings, QcSample standard,
                              condition.illuminant, condition.observer, system.weights.data(),
                              result.difference, system.parameter);
       for (std::size_t k = 0; k < 3; ++k) result.labDelta[k] = result.lab[k] - base.lab[k];
-      CDWordArray codes;
-      CDWordArray colours;
       DescribeShade(base.lab[1], base.lab[2], result.labDelta[0], result.labDelta[1],
                     result.labDelta[2], result.shade, codes, colours, 0);
       result.pass = std::fabs(result.difference[6]) <= settings.tolerance;
