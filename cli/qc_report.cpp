@@ -22,16 +22,6 @@ namespace velquor::cli {
 
 namespace {
 
-// Which slots a system's difference column list describes, in order. Lists of six leave out
-// slot 4 (the plain lightness difference, equal to slot 1); Hunter and GE-PQS II fill slots
-// 1-3 and 7, FMC-2 slots 1-3, 5 and 7.
-std::vector<int> LabelledSlots(int system, std::size_t labels) {
-  if (labels == 7) return {0, 1, 2, 3, 4, 5, 6};
-  if (labels == 6) return {0, 1, 2, 4, 5, 6};
-  if (system == kDiffFmc2) return {0, 1, 2, 4, 6};
-  return {0, 1, 2, 6};
-}
-
 // Everything one sample needs under one condition.
 struct Prepared {
   CColorSample sample;
@@ -76,13 +66,11 @@ QcSummary Summarise(const std::vector<QcSample>& trials, std::size_t condition) 
 }  // namespace
 
 std::vector<std::string> DifferenceSlotLabels(int system) {
-  std::vector<std::string> labels(7);
-  for (std::size_t i = 0; i < labels.size(); ++i)
-    labels[i] = "(slot " + std::to_string(i + 1) + ")";
-  const std::vector<std::string> own =
-      SplitColumnLabels(LoadDifferenceString(system, DifferenceString::kDifferenceColumns));
-  const std::vector<int> slots = LabelledSlots(system, own.size());
-  for (std::size_t i = 0; i < own.size() && i < slots.size(); ++i) labels[slots[i]] = own[i];
+  const std::array<std::string, 7> own = LoadDifferenceSlotLabels(system);
+  std::vector<std::string> labels(own.begin(), own.end());
+  for (std::size_t i = 0; i < labels.size(); ++i) {
+    if (labels[i].empty()) labels[i] = "(slot " + std::to_string(i + 1) + ")";
+  }
   return labels;
 }
 

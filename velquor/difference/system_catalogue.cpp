@@ -1,5 +1,6 @@
 #include "velquor/difference/system_catalogue.h"
 
+#include "velquor/difference/color_difference.h"
 #include "velquor/frame/resources.h"
 
 namespace velquor {
@@ -60,6 +61,22 @@ std::string LoadDifferenceTotalLabel(int system) {
   const std::string columns = LoadDifferenceString(system, DifferenceString::kDifferenceColumns);
   const std::size_t bar = columns.rfind('|');
   return bar == std::string::npos ? columns : columns.substr(bar + 1);
+}
+
+std::array<std::string, 7> LoadDifferenceSlotLabels(int system) {
+  std::array<std::string, 7> labels;
+  const std::vector<std::string> own =
+      SplitColumnLabels(LoadDifferenceString(system, DifferenceString::kDifferenceColumns));
+  std::vector<int> slots{0, 1, 2, 6};
+  if (own.size() == 7) {
+    slots = {0, 1, 2, 3, 4, 5, 6};
+  } else if (own.size() == 6) {
+    slots = {0, 1, 2, 4, 5, 6};
+  } else if (system == kDiffFmc2) {  // no slot 4 or 6
+    slots = {0, 1, 2, 4, 6};
+  }
+  for (std::size_t i = 0; i < own.size() && i < slots.size(); ++i) labels[slots[i]] = own[i];
+  return labels;
 }
 
 }  // namespace velquor

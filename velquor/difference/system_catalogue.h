@@ -17,6 +17,7 @@
 // factor cf; CIE94 and CIE2000 kL, kC, kH; DIN99 kCH, kE; DIN6175 gL, gC, gH.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -93,5 +94,13 @@ std::vector<std::string> SplitColumnLabels(std::string_view list);
 // The label of the system's total difference ("ΔE*ab", "ΔE*cmc", ...): the last field of its
 // difference columns (offset 4); empty for a system without a block.
 std::string LoadDifferenceTotalLabel(int system);
+
+// The label of each of the seven slots of a difference record (color_difference.h) in
+// `system`: the system's difference columns placed on the slots they describe, the empty text
+// on a slot the system leaves unused or shows under another label. Lists of seven cover every
+// slot; lists of six leave out slot 4 (the plain lightness difference, equal to slot 1);
+// Hunter Lab and GE-PQS II fill slots 1-3 and 7, FMC-2 slots 1-3, 5 and 7. A system without a
+// block gives seven empty labels.
+std::array<std::string, 7> LoadDifferenceSlotLabels(int system);
 
 }  // namespace velquor
