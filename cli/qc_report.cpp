@@ -31,9 +31,13 @@ struct Prepared {
 void Prepare(const QcSample& sample, const Condition& condition, const DifferenceChoice& system,
              QcResult& result, Prepared& prepared) {
   ComputeXYZ(sample.curve, condition.illuminant, condition.observer, result.xyz);
-  XYZToLab(condition.illuminant, condition.observer, result.xyz, result.lab);
   FillColorSample(result.xyz, system.system, condition.illuminant, condition.observer,
                   system.weights.data(), prepared.sample, prepared.triple);
+  if (FillsCieLab(system.system)) {
+    result.lab = prepared.sample.coordinates;  // already computed for the system
+  } else {
+    XYZToLab(condition.illuminant, condition.observer, result.xyz, result.lab);
+  }
 }
 
 QcSummary Summarise(const std::vector<QcSample>& trials, std::size_t condition) {

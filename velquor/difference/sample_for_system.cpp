@@ -10,6 +10,20 @@
 
 namespace velquor {
 
+bool FillsCieLab(int system) {
+  switch (system) {
+    case kDiffHunterLab:
+    case kDiffFmc2:
+    case kDiffCieLuv:
+    case kDiffGePqs2:
+    case kDiffDin99:
+    case kDiffChromaticity:
+      return false;
+    default:
+      return true;
+  }
+}
+
 void FillColorSample(const CValueVector3& xyz, int system, int illuminant, int observer,
                      const double* weights, CColorSample& sample, CValueVector3& triple) {
   if (&sample.xyz != &xyz) sample.xyz = xyz;  // the caller may have filled it in place
