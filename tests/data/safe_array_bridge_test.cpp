@@ -52,13 +52,10 @@ ArrayPtr StringVector(std::initializer_list<std::u16string> texts, LONG lowerBou
 // The strings of a BSTR vector, nullopt for a null BSTR.
 std::vector<std::optional<std::u16string>> Contents(SAFEARRAY* psa) {
   std::vector<std::optional<std::u16string>> result;
-  const BSTR* slots = static_cast<BSTR*>(psa->pvData);
-  for (ULONG i = 0; i < psa->rgsabound[0].cElements; ++i) {
-    if (slots[i] == nullptr) {
-      result.emplace_back();
-    } else {
-      result.emplace_back(std::u16string(slots[i], SysStringLen(slots[i])));
-    }
+  for (const BSTR* slot = static_cast<BSTR*>(psa->pvData);
+       result.size() < psa->rgsabound[0].cElements; ++slot) {
+    result.push_back(*slot ? std::optional(std::u16string(*slot, SysStringLen(*slot)))
+                           : std::nullopt);
   }
   return result;
 }
@@ -73,11 +70,11 @@ std::vector<T> Values(SAFEARRAY* psa) {
 // Fails the n-th (1-based) call of one kind and records every call of that kind with its index.
 class FaultPlan {
  public:
-  FaultPlan(AutomationCall call, int failAt, HRESULT code = E_FAIL) {
-    SetAutomationFaultHook([this, call, failAt, code](AutomationCall c, const SAFEARRAY*, LONG i) {
+  FaultPlan(AutomationCall call, int failAt) {
+    SetAutomationFaultHook([this, call, failAt](AutomationCall c, const SAFEARRAY*, LONG i) {
       if (c != call) return S_OK;
       indices.push_back(i);
-      return static_cast<int>(indices.size()) == failAt ? code : S_OK;
+      return static_cast<int>(indices.size()) == failAt ? E_FAIL : S_OK;
     });
   }
   ~FaultPlan() { SetAutomationFaultHook({}); }
@@ -86,6 +83,13 @@ class FaultPlan {
 
   std::vector<LONG> indices;
 };
+
+// `run` with the failAt-th call of `call` failing.
+template <class F>
+HRESULT WithFault(AutomationCall call, int failAt, F run) {
+  FaultPlan plan(call, failAt);
+  return run();
+}
 
 CStringArray StringArray(std::initializer_list<std::string> texts) {
   CStringArray array;
@@ -103,12 +107,11 @@ std::vector<std::string> Texts(const CStringArray& array) {
 
 TEST(StringBridge, StoreThenLoadConvertsUtf8AndUtf16) {
   // "Gelb"; "ä€😀" (U+00E4, U+20AC, U+1F600: four UTF-16 units); an ill-formed byte; a NUL.
-  const CStringArray source = StringArray(
-      {"", "Gelb", "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80", "a\xFF", std::string("x\0y", 3)});
+  const std::string emoji = "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80";
+  const CStringArray source = StringArray({"", "Gelb", emoji, "a\xFF", std::string("x\0y", 3)});
   ArrayPtr psa = StringVector({u"old 1", u"old 2", u"old 3", u"old 4", u"old 5", u"old 6"}, 5);
   SAFEARRAY* raw = psa.get();
   ASSERT_EQ(StoreToSafeArray(source, &raw), S_OK);
-
   EXPECT_EQ(psa->rgsabound[0].cElements, 5u);
   EXPECT_EQ(psa->rgsabound[0].lLbound, 0);  // redimensioned to lower bound 0
   const std::vector<std::optional<std::u16string>> expected = {
@@ -117,52 +120,42 @@ TEST(StringBridge, StoreThenLoadConvertsUtf8AndUtf16) {
 
   CStringArray loaded = StringArray({"stale"});
   ASSERT_EQ(LoadFromSafeArray(loaded, &raw), S_OK);
-  EXPECT_EQ(Texts(loaded),
-            (std::vector<std::string>{"", "Gelb", "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80",
-                                      "a\xEF\xBF\xBD", "x"}));
+  EXPECT_EQ(Texts(loaded), (std::vector<std::string>{"", "Gelb", emoji, "a\xEF\xBF\xBD", "x"}));
   EXPECT_EQ(psa->cLocks, 0u);
 
   ASSERT_EQ(StoreToSafeArray(CStringArray(), &raw), S_OK);  // storing nothing: zero elements
   EXPECT_EQ(psa->rgsabound[0].cElements, 0u);
-}
 
-TEST(StringBridge, LoadTakesNullAsEmptyAndStopsAtNul) {
-  ArrayPtr psa = StringVector({u"one", std::u16string(u"t\0wo", 4), u"three"});
-  const BSTR* slots = static_cast<BSTR*>(psa->pvData);
-  SysFreeString(slots[2]);
-  static_cast<BSTR*>(psa->pvData)[2] = nullptr;
-  SAFEARRAY* raw = psa.get();
-  CStringArray loaded;
+  // A null BSTR loads as empty; a string stops at its first NUL.
+  ArrayPtr withNull = StringVector({u"one", std::u16string(u"t\0wo", 4), u"three"});
+  SysFreeString(static_cast<BSTR*>(withNull->pvData)[2]);
+  static_cast<BSTR*>(withNull->pvData)[2] = nullptr;
+  raw = withNull.get();
   ASSERT_EQ(LoadFromSafeArray(loaded, &raw), S_OK);
   EXPECT_EQ(Texts(loaded), (std::vector<std::string>{"one", "t", ""}));
 }
 
 TEST(StringBridge, LoadReadsFromIndexZeroWhateverTheLowerBound) {
-  ArrayPtr psa = StringVector({u"a", u"b", u"c"}, 1);
-  SAFEARRAY* raw = psa.get();
-  FaultPlan log(AutomationCall::kGetElement, 0);  // records only
-  CStringArray loaded = StringArray({"stale"});
-  EXPECT_EQ(LoadFromSafeArray(loaded, &raw), E_FAIL);  // index 0 lies below the bound
-  EXPECT_EQ(log.indices, std::vector<LONG>{0});
-  EXPECT_EQ(loaded.GetSize(), 0u);
-  EXPECT_EQ(psa->cLocks, 1u);  // left locked
-
-  // Lower bound 0: indices 0, 1, 2.
-  ArrayPtr zeroBased = StringVector({u"a", u"b", u"c"});
-  raw = zeroBased.get();
-  log.indices.clear();
-  EXPECT_EQ(LoadFromSafeArray(loaded, &raw), S_OK);
-  EXPECT_EQ(log.indices, (std::vector<LONG>{0, 1, 2}));
+  for (const LONG lowerBound : {1, 0}) {
+    ArrayPtr psa = StringVector({u"a", u"b", u"c"}, lowerBound);
+    SAFEARRAY* raw = psa.get();
+    FaultPlan log(AutomationCall::kGetElement, 0);  // records only
+    CStringArray loaded = StringArray({"stale"});
+    // With lower bound 1, index 0 lies below the bound: nothing read, the array left locked.
+    EXPECT_EQ(LoadFromSafeArray(loaded, &raw), lowerBound == 0 ? S_OK : E_FAIL);
+    EXPECT_EQ(log.indices, (lowerBound == 0 ? std::vector<LONG>{0, 1, 2} : std::vector<LONG>{0}));
+    EXPECT_EQ(loaded.GetSize(), lowerBound == 0 ? 3u : 0u);
+    EXPECT_EQ(psa->cLocks, lowerBound == 0 ? 0u : 1u);
+  }
 }
 
 TEST(StringBridge, LoadFaultsKeepWhatWasReadBefore) {
-  struct Case {
+  const struct {
     AutomationCall call;
     int failAt;
     std::vector<std::string> kept;
     ULONG locks;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {AutomationCall::kLock, 1, {}, 0},
       {AutomationCall::kGetElement, 1, {}, 1},
       {AutomationCall::kGetElement, 3, {"a", "b"}, 1},
@@ -172,33 +165,28 @@ TEST(StringBridge, LoadFaultsKeepWhatWasReadBefore) {
       // A failing unlock is not checked: the load succeeds and the array stays locked.
       {AutomationCall::kUnlock, 1, {"a", "b", "c", "d"}, 1},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << static_cast<int>(c.call) << '/' << c.failAt);
     ArrayPtr psa = StringVector({u"a", u"b", u"c", u"d"});
     SAFEARRAY* raw = psa.get();
     CStringArray loaded = StringArray({"stale"});
-    HRESULT hr;
-    {
-      FaultPlan plan(c.call, c.failAt);
-      hr = LoadFromSafeArray(loaded, &raw);
-    }
-    EXPECT_EQ(hr, c.call == AutomationCall::kUnlock ? S_OK : E_FAIL) << c.failAt;
-    EXPECT_EQ(Texts(loaded), c.kept) << static_cast<int>(c.call) << '/' << c.failAt;
+    EXPECT_EQ(WithFault(c.call, c.failAt, [&] { return LoadFromSafeArray(loaded, &raw); }),
+              c.call == AutomationCall::kUnlock ? S_OK : E_FAIL);
+    EXPECT_EQ(Texts(loaded), c.kept);
     EXPECT_EQ(psa->cLocks, c.locks);
   }
 }
 
 TEST(StringBridge, StoreFaultsLeaveTheResizedArrayWithTheStringsWritten) {
-  using Contents_t = std::vector<std::optional<std::u16string>>;
-  struct Case {
-    AutomationCall call;
-    int failAt;
-    HRESULT result;
-    Contents_t after;
-  };
   const std::optional<std::u16string> none;
   // Each element takes two string allocations: the store's own, then the copy that
   // SafeArrayPutElement keeps.
-  const Case cases[] = {
+  const struct {
+    AutomationCall call;
+    int failAt;
+    HRESULT result;
+    std::vector<std::optional<std::u16string>> after;
+  } cases[] = {
       {AutomationCall::kRedim, 1, E_FAIL, {u"old"}},
       {AutomationCall::kPutElement, 1, E_FAIL, {u"old", none, none}},  // kept in its place
       {AutomationCall::kPutElement, 2, E_FAIL, {u"x", none, none}},
@@ -207,16 +195,13 @@ TEST(StringBridge, StoreFaultsLeaveTheResizedArrayWithTheStringsWritten) {
       {AutomationCall::kAllocString, 6, E_FAIL, {u"x", u"y", none}},
   };
   const CStringArray source = StringArray({"x", "y", "z"});
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << static_cast<int>(c.call) << '/' << c.failAt);
     ArrayPtr psa = StringVector({u"old"});
     SAFEARRAY* raw = psa.get();
-    HRESULT hr;
-    {
-      FaultPlan plan(c.call, c.failAt);
-      hr = StoreToSafeArray(source, &raw);
-    }
-    EXPECT_EQ(hr, c.result) << static_cast<int>(c.call) << '/' << c.failAt;
-    EXPECT_EQ(Contents(raw), c.after) << static_cast<int>(c.call) << '/' << c.failAt;
+    EXPECT_EQ(WithFault(c.call, c.failAt, [&] { return StoreToSafeArray(source, &raw); }),
+              c.result);
+    EXPECT_EQ(Contents(raw), c.after);
   }
 }
 
@@ -232,52 +217,39 @@ struct Pair {
   std::function<std::size_t()> librarySize;
 };
 
-std::vector<Pair> AllPairs(CStringArray& strings, CValueArray& doubles, CDWordArray& dwords,
-                           CUIntArray& uints) {
-  strings = StringArray({"p", "q"});
-  doubles.RemoveAll();
-  doubles.Append(1.0);
-  doubles.Append(2.0);
-  dwords.RemoveAll();
-  dwords.Add(1);
-  dwords.Add(2);
-  uints.RemoveAll();
-  uints.Add(1);
-  uints.Add(2);
-  return {
-      {"strings",
-       VT_BSTR,
-       {VT_UI1, VT_I2, VT_I4, VT_R4, VT_R8, VT_I8},
-       [&](SAFEARRAY** p) { return LoadFromSafeArray(strings, p); },
-       [&](SAFEARRAY** p) { return StoreToSafeArray(strings, p); },
-       [&] { return strings.GetSize(); }},
-      {"doubles",
-       VT_R8,
-       {VT_UI1, VT_I2, VT_I4, VT_R4, VT_BSTR},
-       [&](SAFEARRAY** p) { return LoadFromSafeArray(doubles, p); },
-       [&](SAFEARRAY** p) { return StoreToSafeArray(doubles, p); },
-       [&] { return doubles.GetSize(); }},
-      {"dwords",
-       VT_UI4,
-       {VT_UI1, VT_I2, VT_R8, VT_I8, VT_BSTR},
-       [&](SAFEARRAY** p) { return LoadFromSafeArray(dwords, p); },
-       [&](SAFEARRAY** p) { return StoreToSafeArray(dwords, p); },
-       [&] { return dwords.GetSize(); }},
-      {"uints",
-       VT_R4,
-       {VT_UI1, VT_I2, VT_R8, VT_I8, VT_BSTR},
-       [&](SAFEARRAY** p) { return LoadFromSafeArray(uints, p); },
-       [&](SAFEARRAY** p) { return StoreToSafeArray(uints, p); },
-       [&] { return uints.GetSize(); }},
-  };
+template <class A>
+Pair MakePair(const char* name, VARTYPE vt, std::vector<VARTYPE> refused, A& array) {
+  return {name,
+          vt,
+          std::move(refused),
+          [&array](SAFEARRAY** p) { return LoadFromSafeArray(array, p); },
+          [&array](SAFEARRAY** p) { return StoreToSafeArray(array, p); },
+          [&array] { return array.GetSize(); }};
 }
 
-TEST(AllBridges, RefuseArraysOfTheWrongShapeOrKindUntouched) {
-  CStringArray strings;
+// The four library arrays, two elements each, and their pairs.
+struct Arrays {
+  CStringArray strings = StringArray({"p", "q"});
   CValueArray doubles;
   CDWordArray dwords;
   CUIntArray uints;
-  for (const Pair& pair : AllPairs(strings, doubles, dwords, uints)) {
+  std::vector<Pair> pairs = {
+      MakePair("strings", VT_BSTR, {VT_UI1, VT_I2, VT_I4, VT_R4, VT_R8, VT_I8}, strings),
+      MakePair("doubles", VT_R8, {VT_UI1, VT_I2, VT_I4, VT_R4, VT_BSTR}, doubles),
+      MakePair("dwords", VT_UI4, {VT_UI1, VT_I2, VT_R8, VT_I8, VT_BSTR}, dwords),
+      MakePair("uints", VT_R4, {VT_UI1, VT_I2, VT_R8, VT_I8, VT_BSTR}, uints)};
+  Arrays() {
+    for (const int v : {1, 2}) {
+      doubles.Append(v);
+      dwords.Add(v);
+      uints.Add(v);
+    }
+  }
+};
+
+TEST(AllBridges, RefuseArraysOfTheWrongShapeOrKindUntouched) {
+  Arrays arrays;
+  for (const Pair& pair : arrays.pairs) {
     std::vector<ArrayPtr> refused;
     refused.push_back(Matrix(pair.vt));  // two dimensions of the right type
     for (VARTYPE vt : pair.refused) refused.push_back(Vector(vt, 3));
@@ -298,27 +270,19 @@ TEST(AllBridges, RefuseArraysOfTheWrongShapeOrKindUntouched) {
 }
 
 TEST(AllBridges, StaticOrFixedSizeArraysRefuseAStoreEvenAtTheRightSize) {
-  struct Case {
-    USHORT features;
-    HRESULT result;
-  };
-  const Case cases[] = {
+  const std::pair<USHORT, HRESULT> cases[] = {
       {FADF_FIXEDSIZE, E_POINTER},
       {FADF_STATIC, E_POINTER},
       {FADF_STATIC | FADF_FIXEDSIZE, E_POINTER},
-      {FADF_AUTO | FADF_EMBEDDED | FADF_HAVEIID, S_OK},  // the neighbouring flags do not
-  };
-  CStringArray strings;
-  CValueArray doubles;
-  CDWordArray dwords;
-  CUIntArray uints;
-  for (const Pair& pair : AllPairs(strings, doubles, dwords, uints)) {
-    for (const Case& c : cases) {
+      {FADF_AUTO | FADF_EMBEDDED | FADF_HAVEIID, S_OK}};  // the neighbouring flags do not
+  Arrays arrays;
+  for (const Pair& pair : arrays.pairs) {
+    for (const auto& [features, result] : cases) {
       ArrayPtr psa = Vector(pair.vt, 2);
-      psa->fFeatures |= c.features;
+      psa->fFeatures |= features;
       SAFEARRAY* raw = psa.get();
-      EXPECT_EQ(pair.store(&raw), c.result) << pair.name << ' ' << c.features;
-      if (c.result == E_POINTER) {  // nothing written: still the initial zeros (null strings)
+      EXPECT_EQ(pair.store(&raw), result) << pair.name << ' ' << features;
+      if (result == E_POINTER) {  // nothing written: still the initial zeros (null strings)
         const auto* bytes = static_cast<const unsigned char*>(raw->pvData);
         EXPECT_EQ(raw->rgsabound[0].cElements, 2u);
         EXPECT_TRUE(std::all_of(bytes, bytes + 2 * raw->cbElements, [](auto b) { return b == 0; }));
@@ -338,9 +302,8 @@ TEST(NumericBridges, RoundTripCopiesExactImages) {
   ArrayPtr psa = Vector(VT_R8, 1);
   SAFEARRAY* raw = psa.get();
   ASSERT_EQ(StoreToSafeArray(doubles, &raw), S_OK);
-  const std::vector<double> stored = Values<double>(raw);
-  ASSERT_EQ(stored.size(), 5u);
-  EXPECT_EQ(std::memcmp(stored.data(), doubles.GetData(), 5 * sizeof(double)), 0);
+  ASSERT_EQ(Values<double>(raw).size(), 5u);
+  EXPECT_EQ(std::memcmp(Values<double>(raw).data(), doubles.GetData(), 5 * sizeof(double)), 0);
   CValueArray back;
   ASSERT_EQ(LoadFromSafeArray(back, &raw), S_OK);
   ASSERT_EQ(back.GetSize(), 5u);
@@ -368,67 +331,54 @@ TEST(NumericBridges, LoadCopiesTheWholeBlockWhateverTheLowerBound) {
   std::memcpy(psa->pvData, values, sizeof values);
   SAFEARRAY* raw = psa.get();
   CValueArray loaded;
-  ASSERT_EQ(LoadFromSafeArray(loaded, &raw), S_OK);
-  ASSERT_EQ(loaded.GetSize(), 3u);
-  EXPECT_EQ(loaded[0], 0.5);
-  EXPECT_EQ(loaded[2], 2.5);
-}
-
-TEST(NumericBridges, FailedLoadHasAlreadySizedTheLibraryArray) {
-  ArrayPtr psa = Vector(VT_R8, 4);
-  SAFEARRAY* raw = psa.get();
-  CValueArray loaded;
   loaded.Append(7.0);
   loaded.Append(8.0);
-  {
-    FaultPlan plan(AutomationCall::kLock, 1);
-    EXPECT_EQ(LoadFromSafeArray(loaded, &raw), E_FAIL);
-  }
-  ASSERT_EQ(loaded.GetSize(), 4u);
-  EXPECT_EQ(loaded[0], 7.0);  // old values kept, new ones zero
-  EXPECT_EQ(loaded[1], 8.0);
-  EXPECT_EQ(loaded[3], 0.0);
-  EXPECT_EQ(psa->cLocks, 0u);
+  ASSERT_EQ(LoadFromSafeArray(loaded, &raw), S_OK);
+  EXPECT_EQ(std::vector<double>(loaded.GetData(), loaded.GetData() + loaded.GetSize()),
+            (std::vector<double>{0.5, 1.5, 2.5}));
+
+  // A failed lock comes after the library array was sized: old values kept, new ones zero.
+  ArrayPtr four = Vector(VT_R8, 4);
+  raw = four.get();
+  EXPECT_EQ(WithFault(AutomationCall::kLock, 1, [&] { return LoadFromSafeArray(loaded, &raw); }),
+            E_FAIL);
+  EXPECT_EQ(std::vector<double>(loaded.GetData(), loaded.GetData() + loaded.GetSize()),
+            (std::vector<double>{0.5, 1.5, 2.5, 0.0}));
+  EXPECT_EQ(four->cLocks, 0u);
+
+  // Storing nothing leaves zero elements at lower bound 0; loading them empties the array.
+  ArrayPtr five = Vector(VT_R8, 5, -2);
+  raw = five.get();
+  EXPECT_EQ(StoreToSafeArray(CValueArray(), &raw), S_OK);
+  EXPECT_EQ(five->rgsabound[0].cElements, 0u);
+  EXPECT_EQ(five->rgsabound[0].lLbound, 0);
+  EXPECT_EQ(LoadFromSafeArray(loaded, &raw), S_OK);
+  EXPECT_EQ(loaded.GetSize(), 0u);
 }
 
 TEST(NumericBridges, FailedStoreKeepsWhatItHadDone) {
   CDWordArray source;
   for (std::uint32_t v : {5u, 6u, 7u}) source.Add(v);
-  struct Case {
+  const struct {
     AutomationCall call;
     HRESULT result;
     std::vector<std::uint32_t> after;
     ULONG locks;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {AutomationCall::kRedim, E_FAIL, {9, 9}, 0},    // untouched
       {AutomationCall::kLock, E_FAIL, {9, 9, 0}, 0},  // resized, nothing copied
       {AutomationCall::kUnlock, S_OK, {5, 6, 7}, 1},  // the unlock is not checked
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     ArrayPtr psa = Vector(VT_UI4, 2, 3);
     const std::uint32_t nines[2] = {9, 9};
     std::memcpy(psa->pvData, nines, sizeof nines);
     SAFEARRAY* raw = psa.get();
-    {
-      FaultPlan plan(c.call, 1);
-      EXPECT_EQ(StoreToSafeArray(source, &raw), c.result) << static_cast<int>(c.call);
-    }
+    EXPECT_EQ(WithFault(c.call, 1, [&] { return StoreToSafeArray(source, &raw); }), c.result)
+        << static_cast<int>(c.call);
     EXPECT_EQ(Values<std::uint32_t>(raw), c.after) << static_cast<int>(c.call);
     EXPECT_EQ(psa->cLocks, c.locks);
   }
-}
-
-TEST(NumericBridges, StoringNothingLeavesZeroElements) {
-  ArrayPtr psa = Vector(VT_R8, 5, -2);
-  SAFEARRAY* raw = psa.get();
-  EXPECT_EQ(StoreToSafeArray(CValueArray(), &raw), S_OK);
-  EXPECT_EQ(psa->rgsabound[0].cElements, 0u);
-  EXPECT_EQ(psa->rgsabound[0].lLbound, 0);
-  CValueArray loaded;
-  loaded.Append(1.0);
-  EXPECT_EQ(LoadFromSafeArray(loaded, &raw), S_OK);
-  EXPECT_EQ(loaded.GetSize(), 0u);
 }
 
 }  // namespace
