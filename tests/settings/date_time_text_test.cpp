@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <ctime>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "velquor/frame/message.h"
@@ -79,15 +80,25 @@ const DescribedLocale kGerman(GermanStyle());
 const DescribedLocale kDotted(WithSeparator(GermanStyle(), "H.mm.ss", "."));
 const DescribedLocale kNoSeparator(WithSeparator(GermanStyle(), "HHmmss", ""));
 
+// Results of several calls as one text, "1101", and several texts as one list.
+std::string Results(std::initializer_list<int> results) {
+  std::string text;
+  for (const int r : results) text += std::to_string(r);
+  return text;
+}
+std::vector<std::string> Texts(std::initializer_list<std::string> texts) {
+  return texts;
+}
+
+using Messages = std::vector<std::pair<MessageKind, std::string>>;
+
 class DateTimeText : public ::testing::Test {
  protected:
   void SetUp() override {
     previousClock_ = SetClock(&clock_);
     previousLocale_ = SetLocaleFormat(&kUs);
-    previousSink_ = SetMessageSink([this](MessageKind kind, std::string_view text) {
-      messages_.emplace_back(text);
-      kinds_.push_back(kind);
-    });
+    previousSink_ = SetMessageSink(
+        [this](MessageKind kind, std::string_view text) { messages_.emplace_back(kind, text); });
   }
   void TearDown() override {
     SetClock(previousClock_);
@@ -95,8 +106,7 @@ class DateTimeText : public ::testing::Test {
     SetMessageSink(previousSink_);
   }
   FakeClock clock_;
-  std::vector<std::string> messages_;
-  std::vector<MessageKind> kinds_;
+  Messages messages_;
 
  private:
   const Clock* previousClock_ = nullptr;
@@ -149,16 +159,13 @@ TEST_F(DateTimeText, FormatsInTheInjectedLocaleAndZone) {
   for (const Case& c : cases) {
     SetLocaleFormat(c.locale);
     clock_.offset = c.offset;
-    std::string text = "old";
-    EXPECT_EQ(FormatShortDate(text, c.time), 1);
-    EXPECT_EQ(text, c.shortDate);
-    EXPECT_EQ(FormatLongDate(text, c.time), 1);
-    EXPECT_EQ(text, c.longDate);
-    EXPECT_EQ(FormatTimeOfDay(text, c.time), 1);
-    EXPECT_EQ(text, c.timeOfDay);
-    text = "Batch: ";
-    EXPECT_EQ(FormatDateTime(text, c.time), 1);
-    EXPECT_EQ(text, std::string("Batch: ") + c.shortDate + " -- " + c.timeOfDay);
+    std::string s = "old", l = "old", t = "old", joined = "Batch: ";  // replaced; appended to
+    EXPECT_EQ(Results({FormatShortDate(s, c.time), FormatLongDate(l, c.time),
+                       FormatTimeOfDay(t, c.time), FormatDateTime(joined, c.time)}),
+              "1111");
+    EXPECT_EQ(Texts({s, l, t, joined}),
+              Texts({c.shortDate, c.longDate, c.timeOfDay,
+                     std::string("Batch: ") + c.shortDate + " -- " + c.timeOfDay}));
   }
 }
 
@@ -168,26 +175,22 @@ TEST_F(DateTimeText, NoTimeMeansNowAndTimesOutsideThe32BitRangeFail) {
   EXPECT_EQ(FormatShortDate(text), 1);
   EXPECT_EQ(text, "9/9/2001");
   for (const TimeValue bad : {TimeValue{-1}, kMaxTimeValue + 1}) {
-    text = "old";
-    EXPECT_EQ(FormatShortDate(text, bad), 0);
-    EXPECT_EQ(text, "");
-    EXPECT_EQ(FormatLongDate(text, bad), 0);
-    EXPECT_EQ(FormatTimeOfDay(text, bad), 0);
-    text = "kept";
-    EXPECT_EQ(FormatDateTime(text, bad), 0);
-    EXPECT_EQ(text, "kept");
+    std::string s = "old", l = "old", t = "old", joined = "kept";  // emptied; unchanged
+    EXPECT_EQ(Results({FormatShortDate(s, bad), FormatLongDate(l, bad), FormatTimeOfDay(t, bad),
+                       FormatDateTime(joined, bad)}),
+              "0000");
+    EXPECT_EQ(Texts({s, l, t, joined}), Texts({"", "", "", "kept"}));
   }
   EXPECT_EQ(FormatShortDate(text, 0), 1);
   EXPECT_EQ(text, "1/1/1970");
 }
 
 TEST_F(DateTimeText, SafeCurrentTimeChecksTheUtcYearFromBothSides) {
-  struct Case {
+  const struct {
     TimeValue now;
     std::int64_t offset;
     bool inRange;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {0, 0, true},             // 1970-01-01 00:00:00
       {-1, 0, false},           // 1969-12-31 23:59:59
       {0, -3600, true},         // local 1969, UTC 1970: the UTC year counts
@@ -200,21 +203,14 @@ TEST_F(DateTimeText, SafeCurrentTimeChecksTheUtcYearFromBothSides) {
   const std::string message =
       "Your system clock exceeds the valid range: Jan 1, 1970 -- Dec 31, 2037\nThe date is "
       "assumed to be Jan 1, 1990.  The time is assumed to be 00:00.";
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.now);
     clock_.now = c.now;
     clock_.offset = c.offset;
     messages_.clear();
-    kinds_.clear();
-    const TimeValue got = GetSafeCurrentTime();
-    if (c.inRange) {
-      EXPECT_EQ(got, c.now);
-      EXPECT_TRUE(messages_.empty()) << c.now;
-    } else {
-      EXPECT_EQ(got, k1990 - c.offset) << c.now;  // 1990-01-01 00:00 local time
-      ASSERT_EQ(messages_.size(), 1u) << c.now;
-      EXPECT_EQ(messages_[0], message);
-      EXPECT_EQ(kinds_[0], MessageKind::kWarning);
-    }
+    // Out of range: 1990-01-01 00:00 local time, and a warning.
+    EXPECT_EQ(GetSafeCurrentTime(), c.inRange ? c.now : k1990 - c.offset);
+    EXPECT_EQ(messages_, (c.inRange ? Messages{} : Messages{{MessageKind::kWarning, message}}));
   }
   clock_.now = k2038;
   GetSafeCurrentTime();
@@ -234,15 +230,12 @@ TEST_F(DateTimeText, TimeSeparatorFallsBackToColon) {
 }
 
 TEST_F(DateTimeText, ClockCountsUpAndDown) {
-  struct Case {
-    std::uint32_t limit;
-    std::uint32_t startTick;
-    std::uint32_t elapsedMs;
+  const struct {
+    std::uint32_t limit, startTick, elapsedMs;
     const LocaleFormat* locale;
     const char* text;
     int result;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {90, 5000, 999, &kUs, "1:30", 1},    // whole seconds only
       {90, 5000, 90999, &kUs, "0:00", 1},  // s = 90 = limit: still running
       {90, 5000, 91000, &kUs, "0:00", 0},  // s = 91 > limit: expired
@@ -256,7 +249,7 @@ TEST_F(DateTimeText, ClockCountsUpAndDown) {
       {0, 0, 3725000, &kNoSeparator, "1:02:05", 1},
       {0, 4294967000u, 1000, &kUs, "0:01", 1},  // the tick counter wraps in between
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     SetLocaleFormat(c.locale);
     clock_.tick = c.startTick;
     std::string text;
@@ -287,6 +280,8 @@ TEST_F(DateTimeText, PatternFillsPicturesNumbersAndLiterals) {
     std::uint32_t number;
     int result;
     const char* text;
+    TimeValue time = kFriday13;
+    const LocaleFormat* locale = &kUs;
   };
   const std::string dashes39(39, '-');
   const std::string dashes40(40, '-');
@@ -310,28 +305,20 @@ TEST_F(DateTimeText, PatternFillsPicturesNumbersAndLiterals) {
       {dashes40.c_str(), 7, 0, ""},    // a 40-character picture text overflows
       {lateLong.c_str(), 7, 0, "07"},  // the text built so far stays
       {"yyyy'abc", 7, 0, "2009"},      // literal without its closing quote
+      {"yyyy", 7, 0, "", -1},          // a time outside the range
+      // A German-style locale has no era and no AM/PM designators.
+      {"nngg", 7, 0, "07", kFriday13, &kGerman},
+      {"'x'tt", 7, 0, "x", kFriday13, &kGerman},
+      {"HH tt", 7, 1, "23 ", kFriday13, &kGerman},  // the blank after the hour is text
+      {"dd. MMMM", 7, 1, "27. Februar", kFriday13 + 14 * 86400, &kGerman},
+      {"y yy yyy", 7, 1, "0 90 1990", k1990, &kGerman},
   };
   for (const Case& c : cases) {
+    SetLocaleFormat(c.locale);
     std::string text = "old";
-    EXPECT_EQ(FormatPattern(text, c.pattern, c.number, kFriday13), c.result) << c.pattern;
+    EXPECT_EQ(FormatPattern(text, c.pattern, c.number, c.time), c.result) << c.pattern;
     EXPECT_EQ(text, c.text) << c.pattern;
   }
-}
-
-TEST_F(DateTimeText, PatternInAGermanStyleLocale) {
-  SetLocaleFormat(&kGerman);  // no era, no AM/PM designators
-  std::string text;
-  EXPECT_EQ(FormatPattern(text, "nngg", 7, kFriday13), 0);
-  EXPECT_EQ(text, "07");
-  EXPECT_EQ(FormatPattern(text, "'x'tt", 7, kFriday13), 0);
-  EXPECT_EQ(text, "x");
-  EXPECT_EQ(FormatPattern(text, "HH tt", 7, kFriday13), 1);  // blank after the hour is text
-  EXPECT_EQ(text, "23 ");
-  EXPECT_EQ(FormatPattern(text, "dd. MMMM", 7, kFriday13 + 14 * 86400), 1);
-  EXPECT_EQ(text, "27. Februar");
-  EXPECT_EQ(FormatPattern(text, "y yy yyy", 7, k1990), 1);
-  EXPECT_EQ(text, "0 90 1990");
-  EXPECT_EQ(FormatPattern(text, "yyyy", 7, -1), 0);
 }
 
 TEST(LocalePictures, RejectOutOfRangeFieldsAndShortenDesignatorsByCharacter) {
@@ -355,18 +342,12 @@ TEST(LocalePictures, RejectOutOfRangeFieldsAndShortenDesignatorsByCharacter) {
 
 TEST(LocalePictures, StrftimeFormatsBecomePictures) {
   const std::pair<const char*, const char*> cases[] = {
-      {"%m/%d/%y", "MM/dd/yy"},
-      {"%-d.%-m.%Y", "d.M.yyyy"},
-      {"%e %B %Y", "d MMMM yyyy"},
-      {"%a %b %Ey", "ddd MMM yy"},
-      {"%D|%F", "MM/dd/yy|yyyy-MM-dd"},
-      {"%r", "hh:mm:ss tt"},
-      {"%OH:%M:%S %Z", "HH:mm:ss "},
-      {"%Hh%M", "HH'h'mm"},
-      {"it's %d", "'it''s 'dd"},
-      {"%%%d", "%dd"},
-      {"%Y年%m月%d日", "yyyy年MM月dd日"},
-      {"%k.%M %P", "H.mm tt"},
+      {"%m/%d/%y", "MM/dd/yy"},           {"%-d.%-m.%Y", "d.M.yyyy"},
+      {"%e %B %Y", "d MMMM yyyy"},        {"%a %b %Ey", "ddd MMM yy"},
+      {"%D|%F", "MM/dd/yy|yyyy-MM-dd"},   {"%r", "hh:mm:ss tt"},
+      {"%OH:%M:%S %Z", "HH:mm:ss "},      {"%Hh%M", "HH'h'mm"},
+      {"it's %d", "'it''s 'dd"},          {"%%%d", "%dd"},
+      {"%Y年%m月%d日", "yyyy年MM月dd日"}, {"%k.%M %P", "H.mm tt"},
   };
   for (const auto& [format, picture] : cases) {
     EXPECT_EQ(PictureFromStrftime(format), picture) << format;
@@ -394,15 +375,12 @@ TEST(LocalePictures, StrftimeFormatsBecomePictures) {
 TEST(LocalePictures, PosixCLocaleMatchesItsBuiltInDescription) {
   const std::optional<LocaleDescription> c = DescribePosixLocale("C");
   ASSERT_TRUE(c.has_value());
-  const LocaleDescription e = CLocaleDescription();
-  EXPECT_EQ(c->shortDate + c->longDate + c->timeOfDay + c->timeSeparator + c->amDesignator +
-                c->pmDesignator,
-            e.shortDate + e.longDate + e.timeOfDay + e.timeSeparator + e.amDesignator +
-                e.pmDesignator);
-  EXPECT_EQ(c->monthNames, e.monthNames);
-  EXPECT_EQ(c->monthAbbreviations, e.monthAbbreviations);
-  EXPECT_EQ(c->dayNames, e.dayNames);
-  EXPECT_EQ(c->dayAbbreviations, e.dayAbbreviations);
+  const auto fields = [](const LocaleDescription& d) {
+    return std::tuple(d.shortDate, d.longDate, d.timeOfDay, d.timeSeparator, d.amDesignator,
+                      d.pmDesignator, d.monthNames, d.monthAbbreviations, d.dayNames,
+                      d.dayAbbreviations);
+  };
+  EXPECT_TRUE(fields(*c) == fields(CLocaleDescription()));
   EXPECT_FALSE(DescribePosixLocale("xx_YY.no-such-codeset").has_value());
 }
 
