@@ -556,8 +556,8 @@ static void TestRefusedArguments(void) {
                 vq_index(VQ_INDEX_WI_CIE, 2, 1, NULL, NULL, &value),
                 vq_strength(&settings, spectra, NULL, NULL, NULL, 2, 1, 0, &value, NULL),
                 vq_find_root(NULL, NULL, 0.0, 2.0, 0.0, &root),
-                vq_bracket_minimum(Polynomial, kParabola, NULL), vq_settings_set_int(NULL, "Count", 1),
-                vq_log(VQ_LOG_GENERAL, NULL));
+                vq_bracket_minimum(Polynomial, kParabola, NULL),
+                vq_settings_set_int(NULL, "Count", 1), vq_log(VQ_LOG_GENERAL, NULL));
   CHECK_RESULTS(VQ_ERR_RANGE, vq_illuminant_text(31, VQ_ILLUMINANT_TEXT, BUF),
                 vq_observer_text(2, VQ_OBSERVER_PLAIN, BUF), vq_angle_name(46, BUF),
                 vq_convert_refl(spectra, 1, 5), vq_white_point(17, 0, &xyz),
