@@ -7,7 +7,7 @@
 #include <span>
 
 #include "velquor/colorimetry/illuminants.h"
-#include "velquor/data/measurement_file.h"
+#include "velquor/io/measurement_file.h"
 #include "velquor/difference/color_difference.h"
 #include "velquor/difference/system_catalogue.h"
 #include "velquor/frame/ascii_text.h"

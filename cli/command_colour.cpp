@@ -12,7 +12,7 @@
 #include "velquor/colorimetry/rgb.h"
 #include "velquor/colorimetry/tristimulus.h"
 #include "velquor/colorimetry/weight_table_cache.h"
-#include "velquor/data/measurement_io.h"
+#include "velquor/io/measurement_io.h"
 #include "velquor/frame/constants.h"
 
 namespace velquor::cli {

@@ -1,7 +1,7 @@
 #include "command_support.h"
 
 #include "report.h"
-#include "velquor/data/atomic_file.h"
+#include "velquor/io/atomic_file.h"
 
 namespace velquor::cli {
 

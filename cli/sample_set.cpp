@@ -1,8 +1,8 @@
 #include "sample_set.h"
 
-#include "velquor/data/csv_spectra.h"
-#include "velquor/data/measurement_io.h"
-#include "velquor/data/spectral_grid_mapping.h"
+#include "velquor/io/csv_spectra.h"
+#include "velquor/io/measurement_io.h"
+#include "velquor/io/spectral_grid_mapping.h"
 
 namespace velquor::cli {
 

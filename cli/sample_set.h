@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "qc_report.h"
-#include "velquor/data/measurement_file.h"
+#include "velquor/io/measurement_file.h"
 
 namespace velquor::cli {
 

@@ -11,11 +11,11 @@
 #include <vector>
 
 #include "arrays.h"
-#include "velquor/data/cgats_reader.h"
-#include "velquor/data/csv_spectra.h"
+#include "velquor/io/cgats_reader.h"
+#include "velquor/io/csv_spectra.h"
 #include "velquor/data/ks_data.h"
-#include "velquor/data/measurement_file.h"
-#include "velquor/data/spectral_grid_mapping.h"
+#include "velquor/io/measurement_file.h"
+#include "velquor/io/spectral_grid_mapping.h"
 
 namespace velquor::python {
 namespace {

@@ -8,7 +8,7 @@
 #include "velquor/data/angle_filter.h"
 #include "velquor/data/geometry_catalogue.h"
 #include "velquor/data/ks_data.h"
-#include "velquor/data/spectral_grid_mapping.h"
+#include "velquor/io/spectral_grid_mapping.h"
 
 using namespace velquor;
 using namespace velquor::capi;

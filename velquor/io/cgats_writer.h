@@ -15,8 +15,8 @@
 
 #include <string>
 
-#include "velquor/data/csv_spectra.h"
-#include "velquor/data/measurement_file.h"
+#include "velquor/io/csv_spectra.h"
+#include "velquor/io/measurement_file.h"
 
 namespace velquor {
 

@@ -1,4 +1,4 @@
-#include "velquor/data/utf16.h"
+#include "velquor/automation/utf16.h"
 
 #include <gtest/gtest.h>
 

@@ -11,10 +11,10 @@
 #include <string_view>
 #include <vector>
 
-#include "velquor/data/cgats_reader.h"
-#include "velquor/data/cgats_writer.h"
-#include "velquor/data/csv_spectra.h"
-#include "velquor/data/spectral_grid_mapping.h"
+#include "velquor/io/cgats_reader.h"
+#include "velquor/io/cgats_writer.h"
+#include "velquor/io/csv_spectra.h"
+#include "velquor/io/spectral_grid_mapping.h"
 #include "velquor/frame/numeric.h"
 
 namespace velquor {

@@ -1,12 +1,12 @@
-#include "velquor/data/csv_spectra.h"
+#include "velquor/io/csv_spectra.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "velquor/data/cgats_reader.h"
-#include "velquor/data/cgats_writer.h"
+#include "velquor/io/cgats_reader.h"
+#include "velquor/io/cgats_writer.h"
 #include "velquor/frame/numeric.h"
 
 namespace velquor {

@@ -1,4 +1,4 @@
-#include "velquor/data/csv_spectra.h"
+#include "velquor/io/csv_spectra.h"
 
 #include <array>
 #include <charconv>
@@ -6,7 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "velquor/data/measurement_text_ids.h"
+#include "velquor/io/measurement_text_ids.h"
 #include "velquor/frame/constants.h"
 #include "velquor/frame/numeric.h"
 

@@ -1,4 +1,4 @@
-#include "velquor/data/safe_array.h"
+#include "velquor/automation/safe_array.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
-#include "velquor/data/cgats_writer.h"
+#include "velquor/io/cgats_writer.h"
 
 #include <unordered_set>
 #include <vector>
 
-#include "velquor/data/measurement_text_ids.h"
+#include "velquor/io/measurement_text_ids.h"
 #include "velquor/frame/numeric.h"
 
 namespace velquor {

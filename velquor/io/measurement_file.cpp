@@ -1,4 +1,4 @@
-#include "velquor/data/measurement_file.h"
+#include "velquor/io/measurement_file.h"
 
 #include <algorithm>
 #include <array>
@@ -9,8 +9,8 @@
 #include <cstring>
 #include <memory>
 
-#include "velquor/data/atomic_file.h"
-#include "velquor/data/measurement_text_ids.h"
+#include "velquor/io/atomic_file.h"
+#include "velquor/io/measurement_text_ids.h"
 #include "velquor/frame/constants.h"
 #include "velquor/frame/numeric.h"
 #include "velquor/frame/resources.h"

@@ -24,8 +24,8 @@
 #include <string>
 #include <string_view>
 
-#include "velquor/data/line_reader.h"
-#include "velquor/data/measurement_file.h"
+#include "velquor/io/line_reader.h"
+#include "velquor/io/measurement_file.h"
 
 namespace velquor {
 

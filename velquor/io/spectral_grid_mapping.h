@@ -36,7 +36,7 @@
 #include <vector>
 
 #include "velquor/data/ks_data.h"
-#include "velquor/data/measurement_file.h"
+#include "velquor/io/measurement_file.h"
 
 namespace velquor {
 

@@ -1,4 +1,4 @@
-#include "velquor/data/line_reader.h"
+#include "velquor/io/line_reader.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,8 +1,8 @@
-#include "velquor/data/measurement_io.h"
+#include "velquor/io/measurement_io.h"
 
-#include "velquor/data/cgats_reader.h"
-#include "velquor/data/cgats_writer.h"
-#include "velquor/data/csv_spectra.h"
+#include "velquor/io/cgats_reader.h"
+#include "velquor/io/cgats_writer.h"
+#include "velquor/io/csv_spectra.h"
 
 namespace velquor {
 

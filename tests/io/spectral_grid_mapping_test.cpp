@@ -1,4 +1,4 @@
-#include "velquor/data/spectral_grid_mapping.h"
+#include "velquor/io/spectral_grid_mapping.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "velquor/data/csv_spectra.h"
+#include "velquor/io/csv_spectra.h"
 #include "velquor/frame/numeric.h"
 
 namespace velquor {

@@ -1,4 +1,4 @@
-#include "velquor/data/cgats_reader.h"
+#include "velquor/io/cgats_reader.h"
 
 #include <algorithm>
 #include <charconv>
@@ -6,7 +6,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "velquor/data/measurement_text_ids.h"
+#include "velquor/io/measurement_text_ids.h"
 #include "velquor/frame/constants.h"
 
 namespace velquor {

@@ -1,4 +1,4 @@
-#include "velquor/data/atomic_file.h"
+#include "velquor/io/atomic_file.h"
 
 #include <atomic>
 #include <cerrno>

@@ -1,4 +1,4 @@
-#include "velquor/data/cgats_reader.h"
+#include "velquor/io/cgats_reader.h"
 
 #include <gtest/gtest.h>
 
@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "velquor/data/cgats_writer.h"
-#include "velquor/data/csv_spectra.h"
+#include "velquor/io/cgats_writer.h"
+#include "velquor/io/csv_spectra.h"
 #include "velquor/frame/numeric.h"
 
 namespace velquor {

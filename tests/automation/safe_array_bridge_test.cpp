@@ -1,4 +1,4 @@
-#include "velquor/data/safe_array_bridge.h"
+#include "velquor/automation/safe_array_bridge.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
-#include "velquor/data/spectral_grid_mapping.h"
+#include "velquor/io/spectral_grid_mapping.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numeric>
 
-#include "velquor/data/measurement_text_ids.h"
+#include "velquor/io/measurement_text_ids.h"
 #include "velquor/frame/constants.h"
 #include "velquor/frame/numeric.h"
 

@@ -26,7 +26,7 @@
 #pragma once
 
 #include "velquor/data/dword_array.h"
-#include "velquor/data/safe_array.h"
+#include "velquor/automation/safe_array.h"
 #include "velquor/data/string_array.h"
 #include "velquor/data/value_array.h"
 

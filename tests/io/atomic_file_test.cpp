@@ -1,4 +1,4 @@
-#include "velquor/data/atomic_file.h"
+#include "velquor/io/atomic_file.h"
 
 #include <gtest/gtest.h>
 
@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "velquor/data/cgats_writer.h"
-#include "velquor/data/csv_spectra.h"
-#include "velquor/data/measurement_io.h"
+#include "velquor/io/cgats_writer.h"
+#include "velquor/io/csv_spectra.h"
+#include "velquor/io/measurement_io.h"
 
 namespace velquor {
 namespace {

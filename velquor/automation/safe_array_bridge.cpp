@@ -1,4 +1,4 @@
-#include "velquor/data/safe_array_bridge.h"
+#include "velquor/automation/safe_array_bridge.h"
 
 #include <cstring>
 #include <limits>
@@ -8,7 +8,7 @@
 #include <string_view>
 #include <type_traits>
 
-#include "velquor/data/utf16.h"
+#include "velquor/automation/utf16.h"
 
 namespace velquor {
 namespace {

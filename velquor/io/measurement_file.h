@@ -22,7 +22,7 @@
 #include <string_view>
 #include <vector>
 
-#include "velquor/data/line_reader.h"
+#include "velquor/io/line_reader.h"
 
 namespace velquor {
 

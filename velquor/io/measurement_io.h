@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "velquor/data/measurement_file.h"
+#include "velquor/io/measurement_file.h"
 
 namespace velquor {
 
