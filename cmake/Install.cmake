@@ -21,5 +21,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/velquorConfigVersion.cmak
 install(FILES ${PROJECT_BINARY_DIR}/velquorConfig.cmake
   ${PROJECT_BINARY_DIR}/velquorConfigVersion.cmake DESTINATION ${VELQUOR_CMAKE_DIR})
 
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/velquor)
+
 configure_file(${PROJECT_SOURCE_DIR}/cmake/velquor.pc.in ${PROJECT_BINARY_DIR}/velquor.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/velquor.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -25,6 +25,8 @@ import numpy as np
 
 from . import _velquor
 
+__license__ = "MIT"
+
 __all__ = [
     "MISSING", "is_missing", "version", "string", "illuminants", "illuminant_index",
     "observer_code", "system_code", "weight_table", "white_point", "xyz", "lab", "luv",
