@@ -11,6 +11,7 @@
 #include "velquor/frame/message.h"
 #include "velquor/settings/clock.h"
 #include "velquor/settings/locale_format.h"
+#include "velquor/settings/locale_platform.h"
 
 namespace velquor {
 namespace {
@@ -373,7 +374,7 @@ TEST(LocalePictures, StrftimeFormatsBecomePictures) {
 }
 
 TEST(LocalePictures, PosixCLocaleMatchesItsBuiltInDescription) {
-  const std::optional<LocaleDescription> c = DescribePosixLocale("C");
+  const std::optional<LocaleDescription> c = DescribePlatformLocale("C");
   ASSERT_TRUE(c.has_value());
   const auto fields = [](const LocaleDescription& d) {
     return std::tuple(d.shortDate, d.longDate, d.timeOfDay, d.timeSeparator, d.amDesignator,
@@ -381,7 +382,7 @@ TEST(LocalePictures, PosixCLocaleMatchesItsBuiltInDescription) {
                       d.dayAbbreviations);
   };
   EXPECT_TRUE(fields(*c) == fields(CLocaleDescription()));
-  EXPECT_FALSE(DescribePosixLocale("xx_YY.no-such-codeset").has_value());
+  EXPECT_FALSE(DescribePlatformLocale("xx_YY.no-such-codeset").has_value());
 }
 
 TEST(SystemClockSeam, AgreesWithTheCLibrary) {

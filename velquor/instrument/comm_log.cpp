@@ -1,18 +1,13 @@
 #include "velquor/instrument/comm_log.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <atomic>
-#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <mutex>
 #include <utility>
 
 #include "velquor/frame/message.h"
+#include "velquor/instrument/log_file_platform.h"
 #include "velquor/settings/registry_store.h"
 
 namespace velquor {
@@ -41,30 +36,6 @@ bool IsLevelOn(std::int32_t level) {
   return level > 2 ? level != 3 : level != 0;
 }
 
-// Opens `fileName` for writing and takes an exclusive lock on it without waiting; -1 if either
-// fails, or if the name no longer leads to the locked file (another writer deleted it between
-// our open and our lock).
-int OpenExclusive(const std::string& fileName, bool create) {
-  const int flags = O_WRONLY | O_CLOEXEC | (create ? O_CREAT : 0);
-  int fd;
-  do {
-    fd = ::open(fileName.c_str(), flags, 0666);
-  } while (fd < 0 && errno == EINTR);
-  if (fd < 0) return -1;
-  int locked;
-  do {
-    locked = ::flock(fd, LOCK_EX | LOCK_NB);
-  } while (locked != 0 && errno == EINTR);
-  struct stat opened;
-  struct stat named;
-  if (locked != 0 || ::fstat(fd, &opened) != 0 || ::stat(fileName.c_str(), &named) != 0 ||
-      opened.st_dev != named.st_dev || opened.st_ino != named.st_ino) {
-    ::close(fd);
-    return -1;
-  }
-  return fd;
-}
-
 // The text as it goes into the file: every line feed becomes CR LF.
 std::string WithLineEnds(std::string_view text) {
   std::string out;
@@ -82,34 +53,22 @@ std::string WithLineEnds(std::string_view text) {
   return out;
 }
 
-void WriteToFile(int fd, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(fd, bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return;  // best effort: a failed write loses the rest of the text
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-}
-
 void AppendToLogFile(std::string_view text) {
   const std::string folder =
       GetRegistryString(kDiagnosticsSection, kLogFolderName, kDefaultLogFolder);
-  std::string fileName(::access(folder.c_str(), F_OK) == 0 ? std::string_view(folder)
-                                                           : kDefaultLogFolder);
+  std::string fileName(LogPathExists(folder) ? std::string_view(folder) : kDefaultLogFolder);
   fileName += kLogFileName;
 
-  int fd = OpenExclusive(fileName, false);
-  if (fd < 0) fd = OpenExclusive(fileName, true);
-  if (fd < 0) return;
+  LogFileHandle file = OpenLogFileExclusive(fileName, false);
+  if (file == kNoLogFile) file = OpenLogFileExclusive(fileName, true);
+  if (file == kNoLogFile) return;
 
-  struct stat info;
-  if (::fstat(fd, &info) == 0 && static_cast<std::uint64_t>(info.st_size) > kMaxLogFileSize) {
+  std::uint64_t length = 0;
+  if (LogFileLength(file, length) && length > kMaxLogFileSize) {
     ShowMessage(MessageKind::kInformation, fileName + " deleted");
-    if (::ftruncate(fd, 2) != 0) {
-      // The file is deleted next anyway.
-    }
-    ::close(fd);
-    ::unlink(fileName.c_str());
+    SetLogFileLength(file, 2);  // the file is deleted next anyway
+    CloseLogFile(file);
+    DeleteLogFile(fileName);
     SetRegistryInt(kDiagnosticsSection, kGeneralLevelName, 0);
     SetRegistryInt(kDiagnosticsSection, kColorSensorLevelName, 0);
     generalLevel.store(0, std::memory_order_relaxed);
@@ -117,8 +76,8 @@ void AppendToLogFile(std::string_view text) {
     throw LogFileError(fileName);
   }
 
-  if (::lseek(fd, 0, SEEK_END) >= 0) WriteToFile(fd, WithLineEnds(text));
-  ::close(fd);
+  AppendToLogFileEnd(file, WithLineEnds(text));
+  CloseLogFile(file);
 }
 
 std::string FormatPrefix(const char* format, long first, long second) {

@@ -18,8 +18,8 @@
 // the file is ".PalDebug.txt" in the current folder. This naming is the library's behaviour
 // and is kept. Lines in the file end in CR LF.
 //
-// Every write opens the file exclusively (an exclusive, non-blocking flock() on it, so other
-// writers that lock it the same way are kept out), appends and closes it again. A writer in
+// Every write opens the file exclusively (without waiting; see log_file_platform.h for how
+// each platform holds it), appends and closes it again. A writer in
 // another thread or process that finds the file taken (or finds it deleted between opening and
 // locking it) drops its text; diagnostics are best effort. The cached levels are process-wide
 // and take no lock (they are atomic, so concurrent use is well defined, but two threads may

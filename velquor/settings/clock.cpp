@@ -4,6 +4,8 @@
 #include <chrono>
 #include <ctime>
 
+#include "velquor/settings/locale_platform.h"
+
 namespace velquor {
 
 namespace {
@@ -58,7 +60,7 @@ class OperatingSystemClock final : public Clock {
     const std::time_t value = static_cast<std::time_t>(time);
     if (static_cast<TimeValue>(value) != time) return false;
     std::tm parts{};
-    if (localtime_r(&value, &parts) == nullptr) return false;
+    if (!ToLocalTimeParts(value, parts)) return false;
     local.year = parts.tm_year + 1900;
     local.month = parts.tm_mon + 1;
     local.dayOfWeek = parts.tm_wday;

@@ -1,13 +1,5 @@
 #include "velquor/settings/file_settings_backend.h"
 
-#include <dirent.h>
-#include <fcntl.h>
-#include <pwd.h>
-#include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -17,6 +9,7 @@
 #include <vector>
 
 #include "velquor/settings/settings_file.h"
+#include "velquor/settings/settings_files_platform.h"
 
 namespace velquor {
 
@@ -30,44 +23,8 @@ constexpr std::size_t kMaxFolderNameLength = 255;
 
 constexpr char kUpperHex[] = "0123456789ABCDEF";
 
-// Closes a descriptor when it goes out of scope.
-class FileDescriptor {
- public:
-  explicit FileDescriptor(int fd) : fd_(fd) {}
-  FileDescriptor(const FileDescriptor&) = delete;
-  FileDescriptor& operator=(const FileDescriptor&) = delete;
-  ~FileDescriptor() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-  int get() const { return fd_; }
-  bool valid() const { return fd_ >= 0; }
-  // Closes now and reports whether the close succeeded.
-  bool Close() {
-    const int fd = std::exchange(fd_, -1);
-    return fd < 0 || ::close(fd) == 0;
-  }
-
- private:
-  int fd_;
-};
-
-int OpenRetrying(const std::string& path, int flags, mode_t mode = 0) {
-  int fd;
-  do {
-    fd = ::open(path.c_str(), flags | O_CLOEXEC, mode);
-  } while (fd < 0 && errno == EINTR);
-  return fd;
-}
-
-bool IsDirectory(const std::string& path) {
-  struct stat info;
-  return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-}
-
 bool SyncFolder(const std::string& folder, bool flush) {
-  if (!flush) return true;
-  FileDescriptor fd(OpenRetrying(folder, O_RDONLY | O_DIRECTORY));
-  return fd.valid() && ::fsync(fd.get()) == 0;
+  return !flush || FlushFolder(folder);
 }
 
 // The folder name of key `name`, or nothing if the name cannot be a key's.
@@ -119,21 +76,17 @@ std::optional<std::string> DecodeKeyName(std::string_view folder) {
 std::optional<std::string> FindKeyFolder(const std::string& parent, std::string_view name,
                                          const std::string& encoded) {
   const std::string exact = parent + '/' + encoded;
-  if (IsDirectory(exact)) return exact;
-  DIR* folder = ::opendir(parent.c_str());
-  if (folder == nullptr) return std::nullopt;
+  if (IsSettingsFolder(exact)) return exact;
   std::optional<std::string> found;
-  while (const dirent* entry = ::readdir(folder)) {
-    const std::optional<std::string> entryName = DecodeKeyName(entry->d_name);
-    if (entryName && SameSettingsName(*entryName, name)) {
-      std::string path = parent + '/' + entry->d_name;
-      if (IsDirectory(path)) {
-        found = std::move(path);
-        break;
-      }
-    }
-  }
-  ::closedir(folder);
+  VisitFolderEntries(parent, [&](std::string_view entry) {
+    const std::optional<std::string> entryName = DecodeKeyName(entry);
+    if (!entryName || !SameSettingsName(*entryName, name)) return false;
+    std::string path = parent + '/';
+    path += entry;
+    if (!IsSettingsFolder(path)) return false;
+    found = std::move(path);
+    return true;
+  });
   return found;
 }
 
@@ -141,33 +94,16 @@ enum class ReadResult { kRead, kAbsent, kFailed };
 
 // Reads the key's values file into `text`. A file above the size limit reads as empty.
 ReadResult ReadValuesFile(const std::string& path, std::string& text) {
-  text.clear();
-  FileDescriptor fd(OpenRetrying(path, O_RDONLY));
-  if (!fd.valid()) return errno == ENOENT ? ReadResult::kAbsent : ReadResult::kFailed;
-  struct stat info;
-  if (::fstat(fd.get(), &info) != 0 || !S_ISREG(info.st_mode)) return ReadResult::kFailed;
-  if (static_cast<std::uintmax_t>(info.st_size) > kMaxSettingsFileSize) return ReadResult::kRead;
-  text.resize(static_cast<std::size_t>(info.st_size));
-  std::size_t done = 0;
-  while (done < text.size()) {
-    const ssize_t got = ::read(fd.get(), text.data() + done, text.size() - done);
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) return ReadResult::kFailed;
-    if (got == 0) break;  // the file shrank while being read
-    done += static_cast<std::size_t>(got);
+  switch (ReadWholeFile(path, kMaxSettingsFileSize, text)) {
+    case FileReadStatus::kAbsent:
+      return ReadResult::kAbsent;
+    case FileReadStatus::kFailed:
+      return ReadResult::kFailed;
+    case FileReadStatus::kRead:
+    case FileReadStatus::kTooLarge:
+      break;
   }
-  text.resize(done);
   return ReadResult::kRead;
-}
-
-bool WriteAll(int fd, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(fd, bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
 }
 
 // Replaces `path` by a file holding `text`: temporary file, flush, rename, flush the folder
@@ -175,11 +111,9 @@ bool WriteAll(int fd, std::string_view bytes) {
 bool ReplaceFile(const std::string& folder, const std::string& path, std::string_view text,
                  bool flush) {
   const std::string temporary = folder + '/' + kTemporaryFileName;
-  FileDescriptor fd(OpenRetrying(temporary, O_WRONLY | O_CREAT | O_TRUNC, 0600));
-  if (!fd.valid()) return false;
-  const bool written = WriteAll(fd.get(), text) && (!flush || ::fsync(fd.get()) == 0);
-  if (!fd.Close() || !written || ::rename(temporary.c_str(), path.c_str()) != 0) {
-    ::unlink(temporary.c_str());
+  if (!WriteNewFile(temporary, text, flush)) return false;
+  if (!RenameOver(temporary, path)) {
+    RemoveSettingsFile(temporary);
     return false;
   }
   return SyncFolder(folder, flush);
@@ -202,9 +136,14 @@ class FileSettingsKey : public SettingsKey {
     if (!encoded) return nullptr;
     if (std::unique_ptr<SettingsKey> existing = OpenSubKey(name, access)) return existing;
     const std::string path = folder_ + '/' + *encoded;
-    if (::mkdir(path.c_str(), 0700) != 0) {
-      // Another thread or process may have created it (perhaps in another spelling) meanwhile.
-      return errno == EEXIST ? OpenSubKey(name, access) : nullptr;
+    switch (MakeSettingsFolder(path)) {
+      case MakeFolderResult::kCreated:
+        break;
+      case MakeFolderResult::kExists:
+        // Another thread or process created it (perhaps in another spelling) meanwhile.
+        return OpenSubKey(name, access);
+      case MakeFolderResult::kFailed:
+        return nullptr;
     }
     SyncFolder(folder_, flush_);
     return std::make_unique<FileSettingsKey>(path, flush_);
@@ -233,13 +172,8 @@ class FileSettingsKey : public SettingsKey {
 
   bool SetValue(std::string_view name, std::uint32_t type,
                 std::span<const unsigned char> data) override {
-    FileDescriptor lock(OpenRetrying(folder_ + '/' + kLockFileName, O_RDWR | O_CREAT, 0600));
-    if (!lock.valid()) return false;
-    int locked;
-    do {
-      locked = ::flock(lock.get(), LOCK_EX);
-    } while (locked != 0 && errno == EINTR);
-    if (locked != 0) return false;
+    const ExclusiveFileLock lock(folder_ + '/' + kLockFileName);
+    if (!lock.held()) return false;
 
     std::string text;
     if (ReadValuesFile(ValuesPath(), text) == ReadResult::kFailed) return false;
@@ -267,41 +201,13 @@ class FileSettingsKey : public SettingsKey {
   bool flush_;
 };
 
-// Creates `path` and any missing folders above it.
-bool MakeFolders(const std::string& path) {
-  if (IsDirectory(path)) return true;
-  for (std::size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
-    const std::string prefix = path.substr(0, slash);
-    if (!prefix.empty() && ::mkdir(prefix.c_str(), 0700) != 0 && errno != EEXIST) return false;
-    if (slash == std::string::npos) break;
-  }
-  return IsDirectory(path);
-}
-
-std::string HomeFolder() {
-  if (const char* home = std::getenv("HOME"); home != nullptr && home[0] != '\0') return home;
-  std::vector<char> buffer(16384);
-  struct passwd entry;
-  struct passwd* result = nullptr;
-  if (::getpwuid_r(::geteuid(), &entry, buffer.data(), buffer.size(), &result) == 0 &&
-      result != nullptr && result->pw_dir != nullptr) {
-    return result->pw_dir;
-  }
-  return {};
-}
-
 }  // namespace
 
 std::filesystem::path DefaultSettingsRoot() {
   if (const char* home = std::getenv(kSettingsHomeVariable); home != nullptr && home[0] != '\0') {
     return home;
   }
-  if (const char* config = std::getenv("XDG_CONFIG_HOME"); config != nullptr && config[0] == '/') {
-    return std::filesystem::path(config) / "velquor" / "registry";
-  }
-  const std::string home = HomeFolder();
-  if (home.empty()) return {};
-  return std::filesystem::path(home) / ".config" / "velquor" / "registry";
+  return PlatformSettingsRoot();
 }
 
 FileSettingsBackend::FileSettingsBackend(std::filesystem::path root, bool flushToDisk)
@@ -310,7 +216,7 @@ FileSettingsBackend::FileSettingsBackend(std::filesystem::path root, bool flushT
 std::unique_ptr<SettingsKey> FileSettingsBackend::OpenCurrentUser() {
   std::string root = (fixedRoot_ ? root_ : DefaultSettingsRoot()).string();
   while (root.size() > 1 && root.back() == '/') root.pop_back();
-  if (root.empty() || !MakeFolders(root)) return nullptr;
+  if (root.empty() || !MakeSettingsFolders(root)) return nullptr;
   auto key = std::make_unique<FileSettingsKey>(root, flushToDisk_);
   key->CreateSubKey(kSoftwareKeyName, kSettingsKeyAccess);
   return key;

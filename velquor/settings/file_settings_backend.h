@@ -16,7 +16,7 @@
 // in some spelling (as a new Windows user profile has HKEY_CURRENT_USER\Software).
 //
 // Safety:
-//  - a write takes an exclusive flock() on the key's ".lock" (which serialises writers in all
+//  - a write takes an exclusive lock on the key's ".lock" (which serialises writers in all
 //    threads and processes, as each takes the lock on its own open file), reads the current
 //    values, writes the whole new set to ".values.tmp", flushes it to disk (fsync), renames it
 //    over ".values" and flushes the folder (a flush costs milliseconds on a busy disk; see

@@ -82,18 +82,10 @@ class DescribedLocale final : public LocaleFormat {
   LocaleDescription description_;
 };
 
-// The POSIX "C" locale as DescribePosixLocale describes it: English names, short date
+// The POSIX "C" locale as DescribePlatformLocale (locale_platform.h) describes it: English names, short date
 // "MM/dd/yy", long date "dddd, MMMM d, yyyy", time "HH:mm:ss", separator ":", designators "AM"
 // and "PM", no era. The fallback when not even "C" can be read.
 LocaleDescription CLocaleDescription();
-
-// Describes the POSIX locale `name` ("" = the user's, from LC_ALL, LC_TIME and LANG) from its
-// LC_TIME data (nl_langinfo_l). Its short date and time pictures are translated from the
-// locale's strftime formats (D_FMT, T_FMT; T_FMT_AMPM for %r); POSIX defines no long date,
-// so the long date is LongDateFromShortDate of the short date. The time separator is the text
-// between the hour and the minute of the time format. No era is given. Nothing if the locale is not
-// installed.
-std::optional<LocaleDescription> DescribePosixLocale(const char* name);
 
 // A strftime format as a picture: %d dd, %e d, %m MM, %y yy, %Y yyyy, %b %h MMM, %B MMMM,
 // %a ddd, %A dddd, %H HH, %k H, %I hh, %l h, %M mm, %S ss, %p %P tt, %D %F %T %R as their
@@ -111,8 +103,12 @@ std::string LongDateFromShortDate(std::string_view shortDate);
 // The text between the first hour field of a time picture and the next field, or "".
 std::string TimeSeparatorOfPicture(std::string_view picture);
 
-// The user's locale as DescribePosixLocale("") gives it (read once per process), else "C".
+// The user's locale as DescribePlatformLocale("") gives it (read once per process), else "C".
 const LocaleFormat& UserLocaleFormat();
+
+// The decimal separator of the user's numeric locale (read once per process), "." when the
+// locale gives none.
+const std::string& UserDecimalSeparator();
 
 // The locale the library formats with: the user's unless replaced.
 const LocaleFormat& CurrentLocaleFormat();
