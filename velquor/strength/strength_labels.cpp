@@ -1,8 +1,5 @@
 #include "velquor/strength/strength_labels.h"
 
-#include <langinfo.h>
-#include <locale.h>
-
 #include <array>
 #include <charconv>
 #include <initializer_list>
@@ -10,6 +7,7 @@
 
 #include "velquor/frame/numeric.h"
 #include "velquor/frame/resources.h"
+#include "velquor/settings/locale_format.h"
 
 namespace velquor {
 
@@ -57,17 +55,6 @@ std::string FillFormat(std::string_view format, std::initializer_list<std::strin
   return text;
 }
 
-std::string UserDecimalSeparator() {
-  std::string separator = ".";
-  locale_t locale = newlocale(LC_NUMERIC_MASK, "", static_cast<locale_t>(nullptr));
-  if (locale != static_cast<locale_t>(nullptr)) {
-    const char* radix = nl_langinfo_l(RADIXCHAR, locale);
-    if (radix != nullptr && radix[0] != '\0') separator = radix;
-    freelocale(locale);
-  }
-  return separator;
-}
-
 struct SeparatorState {
   std::mutex mutex;
   std::string installed;  // empty: the user's
@@ -76,11 +63,6 @@ struct SeparatorState {
 SeparatorState& Separator() {
   static SeparatorState state;
   return state;
-}
-
-const std::string& UserSeparator() {
-  static const std::string separator = UserDecimalSeparator();
-  return separator;
 }
 
 }  // namespace
@@ -98,13 +80,13 @@ void LoadStrengthMethodNames(std::vector<std::string>& names, std::vector<std::u
 std::string StrengthDecimalSeparator() {
   SeparatorState& state = Separator();
   const std::lock_guard<std::mutex> lock(state.mutex);
-  return state.installed.empty() ? UserSeparator() : state.installed;
+  return state.installed.empty() ? UserDecimalSeparator() : state.installed;
 }
 
 std::string SetStrengthDecimalSeparator(std::string_view separator) {
   SeparatorState& state = Separator();
   const std::lock_guard<std::mutex> lock(state.mutex);
-  std::string previous = state.installed.empty() ? UserSeparator() : state.installed;
+  std::string previous = state.installed.empty() ? UserDecimalSeparator() : state.installed;
   state.installed.assign(separator);
   return previous;
 }

@@ -31,8 +31,8 @@ void LoadStrengthMethodNames(std::vector<std::string>& names, std::vector<std::u
 std::string FormatStrengthNumber(double value);
 
 // The decimal separator of the strength texts: the one set with SetStrengthDecimalSeparator,
-// else the decimal point of the user's numeric locale (LC_ALL, LC_NUMERIC, LANG; read once per
-// process), else ".".
+// else the user's (UserDecimalSeparator of velquor/settings/locale_format.h: the decimal point
+// of the user's numeric locale, read once per process, else ".").
 std::string StrengthDecimalSeparator();
 // Makes `separator` the decimal separator of the strength texts for the whole process and
 // returns the previous one; an empty text restores the user's locale's separator. Hosts set
