@@ -1,5 +1,6 @@
 #include "velquor/indices/fastness_grades.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -41,8 +42,8 @@ bool AnyMissingLab(const double* lab) {
   return false;
 }
 
-// The CIELAB difference, specimen minus reference, formed as ComputeDeltaEab forms it but on
-// raw coordinates, so that no record is allocated per call.
+// The CIELAB difference, specimen minus reference, as ComputeDeltaEab gives it (dL*, dC*ab,
+// signed dH*ab, dE*ab). The records are per-thread scratch, so no record is allocated per call.
 struct LabDifference {
   double dL;
   double dC;
@@ -51,15 +52,13 @@ struct LabDifference {
 };
 
 LabDifference Difference(const double* s, const double* t) {
-  LabDifference d;
-  d.dL = t[0] - s[0];
-  const double da = t[1] - s[1];
-  const double db = t[2] - s[2];
-  d.dC = t[3] - s[3];
-  d.dE = std::sqrt(d.dL * d.dL + da * da + db * db);
-  const double q = d.dE * d.dE - d.dL * d.dL - d.dC * d.dC;
-  d.dH = SignHueDifference(q > 0.0 ? std::sqrt(q) : 0.0, s[1], s[2], t[1], t[2]);
-  return d;
+  thread_local CValueVector5 standard;
+  thread_local CValueVector5 trial;
+  thread_local CColorVector7 result;
+  std::copy_n(s, CValueVector5::kLength, standard.GetData());
+  std::copy_n(t, CValueVector5::kLength, trial.GetData());
+  ComputeDeltaEab(standard, trial, result);
+  return {result[0], result[4], result[5], result[6]};
 }
 
 double HueDegrees(double h) { return GetHueInDegrees() ? h : RadToDeg(h); }
