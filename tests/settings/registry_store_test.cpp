@@ -4,11 +4,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <iterator>
 #include <limits>
 #include <string>
@@ -22,12 +20,6 @@ namespace velquor {
 namespace {
 
 namespace fs = std::filesystem;
-
-fs::path MakeTempFolder() {
-  std::string pattern = ::testing::TempDir() + "velquor_settings_XXXXXX";
-  if (::mkdtemp(pattern.data()) == nullptr) ADD_FAILURE() << "mkdtemp failed";
-  return pattern;
-}
 
 std::string ReadFile(const fs::path& path) {
   std::ifstream in(path, std::ios::binary);
@@ -43,32 +35,29 @@ void WriteFile(const fs::path& path, std::string_view bytes) {
 // milliseconds on a busy disk; locking and atomic replacement do not depend on it).
 class Store {
  public:
-  explicit Store(bool flushToDisk = true, const char* below = "registry")
-      : folder_(MakeTempFolder()), root_(folder_ / below) {
+  explicit Store(bool flushToDisk = true, const char* below = "registry") {
+    std::string pattern = ::testing::TempDir() + "velquor_settings_XXXXXX";
+    if (::mkdtemp(pattern.data()) == nullptr) ADD_FAILURE() << "mkdtemp failed";
+    folder_ = pattern;
+    root_ = folder_ / below;
     previous_ = SetSettingsBackend(std::make_shared<FileSettingsBackend>(root_, flushToDisk));
   }
   ~Store() {
     SetSettingsBackend(previous_);
     fs::remove_all(folder_);
   }
-  fs::path Section(const std::string& name = "Diagnostics") const {
-    return root_ / "software" / "Palomerix" / "Quelmark" / name;
-  }
+  fs::path Section() const { return root_ / "software/Palomerix/Quelmark/Diagnostics"; }
   fs::path Values() const { return Section() / ".values"; }
 
   fs::path folder_, root_;
   std::shared_ptr<SettingsBackend> previous_;
 };
 
-TEST(SettingsStore, FirstReadCreatesTheKeyPathAndGivesTheDefault) {
-  const Store store;
-  EXPECT_EQ(GetRegistryInt("Diagnostics", "General", -1), -1);
-  EXPECT_TRUE(fs::is_directory(store.Section()));
-  EXPECT_FALSE(fs::exists(store.Values()));  // reading stores nothing
-}
-
 TEST(SettingsStore, ValuesKeepTheirBytesAndAreReadWithoutTypeCheck) {
   const Store store;
+  EXPECT_EQ(GetRegistryInt("Diagnostics", "General", -1), -1);
+  EXPECT_TRUE(fs::is_directory(store.Section()));  // the first read creates the key path
+  EXPECT_FALSE(fs::exists(store.Values()));        // and stores nothing
   for (const std::int32_t value : {0, -1, std::numeric_limits<std::int32_t>::min()}) {
     ASSERT_TRUE(SetRegistryInt("Diagnostics", "General", value));
     EXPECT_EQ(GetRegistryInt("Diagnostics", "General", 7), value);
@@ -80,8 +69,7 @@ TEST(SettingsStore, ValuesKeepTheirBytesAndAreReadWithoutTypeCheck) {
   EXPECT_EQ(query.size, 7u);  // no terminating zero
 
   const struct {
-    std::string stored;
-    std::string asString;
+    std::string stored, asString;
     std::int32_t asNumber;
   } cases[] = {{"abcd", "abcd", 0x64636261},
                {"abc", "abc", 0x00636261},
@@ -123,86 +111,64 @@ TEST(SettingsStore, NamesIgnoreAsciiCaseAndKeyNamesAreEncoded) {
 // its line is intact and as the default otherwise, and the next write repairs the file.
 TEST(SettingsStore, DamagedFileReadsDefaultsWhereHitAndIsRepairedByTheNextWrite) {
   const Store store(false);
-  const std::pair<const char*, std::int32_t> values[] = {{"General", 2}, {"Color Sensor", 1}};
-  for (const auto& [name, value] : values) ASSERT_TRUE(SetRegistryInt("Diagnostics", name, value));
+  ASSERT_TRUE(SetRegistryInt("Diagnostics", "General", 2));
+  ASSERT_TRUE(SetRegistryInt("Diagnostics", "Color Sensor", 1));
   ASSERT_TRUE(SetRegistryString("Diagnostics", "PathInfo", "/var/log/q/"));
   const std::string intact = ReadFile(store.Values());
-  std::vector<std::size_t> lineEnds;  // one past each value line's line feed
-  for (std::size_t at = intact.find('\n') + 1; at < intact.size(); at = lineEnds.back()) {
-    lineEnds.push_back(intact.find('\n', at) + 1);
-  }
-  ASSERT_EQ(lineEnds.size(), 3u);
-  const auto check = [&](const std::string& damaged, auto isIntact, std::size_t at) {
+  // bounds[i], bounds[i + 1]: start and end (one past its line feed) of value line i.
+  std::size_t bounds[4] = {intact.find('\n') + 1};
+  for (int i = 1; i < 4; ++i) bounds[i] = intact.find('\n', bounds[i - 1]) + 1;
+  ASSERT_EQ(bounds[3], intact.size());
+  for (std::size_t at = 0; at < 2 * intact.size() + 1; ++at) {
+    const bool cut = at % 2 == 0;  // even: cut at at / 2; odd: flip the byte at at / 2
+    const std::size_t where = at / 2;
+    std::string damaged = cut ? intact.substr(0, where) : intact;
+    if (!cut) damaged[where] ^= 1;  // a flipped line feed joins the next line to its own
     WriteFile(store.Values(), damaged);
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < 3; ++i) {
-      const bool whole = isIntact(i);
-      kept += whole;
-      if (i < 2) {
-        EXPECT_EQ(GetRegistryInt("Diagnostics", values[i].first, -1), whole ? values[i].second : -1)
-            << "damage at " << at;
-      } else {
-        EXPECT_EQ(GetRegistryString("Diagnostics", "PathInfo", "."), whole ? "/var/log/q/" : ".")
-            << "damage at " << at;
-      }
-    }
+    const auto whole = [&](int i) {
+      return cut ? where >= bounds[i + 1] : where + 1 < bounds[i] || where >= bounds[i + 1];
+    };
+    EXPECT_EQ(GetRegistryInt("Diagnostics", "General", -1), whole(0) ? 2 : -1) << at;
+    EXPECT_EQ(GetRegistryInt("Diagnostics", "Color Sensor", -1), whole(1) ? 1 : -1) << at;
+    EXPECT_EQ(GetRegistryString("Diagnostics", "PathInfo", "."), whole(2) ? "/var/log/q/" : ".");
     ASSERT_TRUE(SetRegistryInt("Diagnostics", "Repair", 1));
     const ParsedSettingsValues repaired = ParseSettingsValues(ReadFile(store.Values()));
     EXPECT_EQ(repaired.damagedLines, 0u);
-    EXPECT_EQ(repaired.values.size(), kept + 1);
-  };
-  for (std::size_t at = 0; at <= intact.size(); ++at) {
-    check(
-        intact.substr(0, at), [&](std::size_t i) { return at >= lineEnds[i]; }, at);
-    if (at == intact.size()) break;
-    std::string flipped = intact;
-    flipped[at] ^= 1;
-    // A flipped line feed joins the next line to its own.
-    const auto untouched = [&](std::size_t i) {
-      const std::size_t start = i == 0 ? intact.find('\n') + 1 : lineEnds[i - 1];
-      return at + 1 < start || at >= lineEnds[i];
-    };
-    check(flipped, untouched, at);
+    EXPECT_EQ(repaired.values.size(), 1u + whole(0) + whole(1) + whole(2)) << at;
   }
 }
 
-TEST(SettingsStore, UnusableLocationReadsDefaultsAndRefusesWrites) {
+TEST(SettingsStore, UnusableOrReadOnlyLocationReadsDefaultsAndRefusesWrites) {
   const Store store(true, "file/registry");  // below a regular file
   WriteFile(store.folder_ / "file", "not a folder");
   EXPECT_EQ(OpenVendorKey(), nullptr);
   EXPECT_EQ(GetRegistryString("Diagnostics", "PathInfo", "."), ".");
   EXPECT_FALSE(SetRegistryInt("Diagnostics", "General", 0));
   EXPECT_FALSE(SetRegistryString("Diagnostics", "PathInfo", "/tmp/"));
-}
-
-TEST(SettingsStore, ReadOnlySectionKeepsItsValuesAndRefusesWrites) {
   if (::geteuid() == 0) GTEST_SKIP() << "permissions do not stop the superuser";
-  const Store store;
+  const Store writable;
   ASSERT_TRUE(SetRegistryInt("Diagnostics", "General", 2));
-  fs::permissions(store.Section(), fs::perms::owner_read | fs::perms::owner_exec);
+  fs::permissions(writable.Section(), fs::perms::owner_read | fs::perms::owner_exec);
   EXPECT_FALSE(SetRegistryInt("Diagnostics", "General", 1));
   EXPECT_EQ(GetRegistryInt("Diagnostics", "General", -1), 2);
-  fs::permissions(store.Section(), fs::perms::owner_all);
+  fs::permissions(writable.Section(), fs::perms::owner_all);
 }
 
 TEST(SettingsStore, EnvironmentChoosesTheRoot) {
+  const char* const names[] = {"HOME", "XDG_CONFIG_HOME", kSettingsHomeVariable};
+  std::vector<std::string> saved;  // "\x01" for a variable that was not set
+  for (const char* name : names) saved.emplace_back(std::getenv(name) ? std::getenv(name) : "\x01");
+  const auto set = [](const char* name, const char* value) {
+    if (value == nullptr || value[0] == '\x01') return ::unsetenv(name);
+    return ::setenv(name, value, 1);
+  };
   const struct {
-    const char* settingsHome;
-    const char* configHome;
-    const char* root;
+    const char *settingsHome, *configHome, *root;
   } cases[] = {{"/srv/s", "/cfg", "/srv/s"},
                {"", "/cfg", "/cfg/velquor/registry"},
                {nullptr, "relative", "/home/ann/.config/velquor/registry"},
                {nullptr, nullptr, "/home/ann/.config/velquor/registry"}};
-  const auto set = [](const char* name, const char* value) {
-    value != nullptr ? ::setenv(name, value, 1) : ::unsetenv(name);
-  };
-  std::vector<std::pair<const char*, std::string>> saved;
-  for (const char* name : {"HOME", "XDG_CONFIG_HOME", kSettingsHomeVariable}) {
-    const char* value = std::getenv(name);
-    saved.emplace_back(name, value != nullptr ? value : "\x01");
-  }
-  ::setenv("HOME", "/home/ann", 1);
+  set("HOME", "/home/ann");
   for (const auto& c : cases) {
     set(kSettingsHomeVariable, c.settingsHome);
     set("XDG_CONFIG_HOME", c.configHome);
@@ -215,7 +181,7 @@ TEST(SettingsStore, EnvironmentChoosesTheRoot) {
   EXPECT_TRUE(SetRegistryInt("Diagnostics", "General", 1));
   EXPECT_TRUE(fs::exists(scratch.folder_ / "software/Palomerix/Quelmark/Diagnostics/.values"));
   SetSettingsBackend(previous);
-  for (const auto& [name, value] : saved) set(name, value == "\x01" ? nullptr : value.c_str());
+  for (int i = 0; i < 3; ++i) set(names[i], saved[static_cast<std::size_t>(i)].c_str());
 }
 
 // Registry in memory recording the calls, as a Windows registry backend would receive them.
@@ -226,15 +192,13 @@ struct RecordingBackend : SettingsBackend {
   std::size_t lastBuffer = 0;
 
   struct Key : SettingsKey {
-    Key(RecordingBackend& owner, std::string_view name) : owner(owner), name(name) {
-      ++owner.openKeys;
-    }
+    explicit Key(RecordingBackend& owner) : owner(owner) { ++owner.openKeys; }
     ~Key() override { --owner.openKeys; }
     std::unique_ptr<SettingsKey> Open(const char* what, std::string_view sub, std::uint32_t access,
                                       bool exists) {
       owner.calls.push_back(std::string(what) + " " + std::string(sub) + " " +
                             std::to_string(access));
-      return exists ? std::make_unique<Key>(owner, sub) : nullptr;
+      return exists ? std::make_unique<Key>(owner) : nullptr;
     }
     std::unique_ptr<SettingsKey> OpenSubKey(std::string_view sub, std::uint32_t access) override {
       return Open("open", sub, access, sub != "software" || owner.softwareExists);
@@ -250,11 +214,8 @@ struct RecordingBackend : SettingsBackend {
       return true;
     }
     RecordingBackend& owner;
-    std::string name;
   };
-  std::unique_ptr<SettingsKey> OpenCurrentUser() override {
-    return std::make_unique<Key>(*this, "user");
-  }
+  std::unique_ptr<SettingsKey> OpenCurrentUser() override { return std::make_unique<Key>(*this); }
 };
 
 TEST(SettingsStore, KeysAreOpenedAlongTheVendorPathAndClosedAfterEachAccess) {
@@ -278,61 +239,39 @@ TEST(SettingsStore, KeysAreOpenedAlongTheVendorPathAndClosedAfterEachAccess) {
   SetSettingsBackend(previous);
 }
 
-// Each writer stores its counter and, every tenth time, a value of its own, so that a write
-// lost to a race shows as a missing or stale value at the end.
-bool WriteMany(const std::string& writer, int count) {
-  bool ok = true;
-  for (int i = 1; i <= count; ++i) {
-    ok &= SetRegistryInt("Diagnostics", "Counter " + writer, i);
-    if (i % 10 == 0) ok &= SetRegistryInt("Diagnostics", writer + std::to_string(i), i);
+// Two processes and then four threads write one section, each its counter and, every tenth
+// time, a value of its own, so that a write lost to a race shows as a missing or stale value.
+TEST(SettingsStore, ConcurrentWritersKeepEveryValue) {
+  const Store store(false);
+  const auto writeMany = [](const std::string& writer, int count) {
+    bool ok = true;
+    for (int i = 1; i <= count; ++i) {
+      ok &= SetRegistryInt("Diagnostics", "Counter " + writer, i);
+      if (i % 10 == 0) ok &= SetRegistryInt("Diagnostics", writer + std::to_string(i), i);
+    }
+    return ok;
+  };
+  const std::pair<std::string, int> writers[] = {{"A", 1000}, {"B", 1000}, {"T0", 100},
+                                                 {"T1", 100}, {"T2", 100}, {"T3", 100}};
+  for (int i = 0; i < 2; ++i) {
+    if (::fork() == 0) ::_exit(writeMany(writers[i].first, writers[i].second) ? 0 : 1);
   }
-  return ok;
-}
+  for (int status = 0; ::wait(&status) > 0;) EXPECT_EQ(status, 0) << "a write failed";
+  std::vector<std::thread> threads;
+  for (int i = 2; i < 6; ++i) {
+    threads.emplace_back([&, i] { EXPECT_TRUE(writeMany(writers[i].first, writers[i].second)); });
+  }
+  for (std::thread& thread : threads) thread.join();
 
-void ExpectEveryValue(const Store& store, const std::vector<std::string>& writers, int count) {
   const ParsedSettingsValues parsed = ParseSettingsValues(ReadFile(store.Values()));
   EXPECT_EQ(parsed.damagedLines, 0u);
-  EXPECT_EQ(parsed.values.size(), writers.size() * (1 + count / 10));
-  for (const std::string& writer : writers) {
+  EXPECT_EQ(parsed.values.size(), 2 * 101u + 4 * 11u);
+  for (const auto& [writer, count] : writers) {
     EXPECT_EQ(GetRegistryInt("Diagnostics", "Counter " + writer, -1), count);
     for (int i = 10; i <= count; i += 10) {
       EXPECT_EQ(GetRegistryInt("Diagnostics", writer + std::to_string(i), -1), i);
     }
   }
-}
-
-TEST(SettingsStore, TwoProcessesWritingOneSectionKeepEveryValue) {
-  const Store store(false);
-  const std::vector<std::string> writers = {"A", "B"};
-  const auto start = std::chrono::steady_clock::now();
-  std::vector<pid_t> children;
-  for (const std::string& writer : writers) {
-    const pid_t child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) ::_exit(WriteMany(writer, 1000) ? 0 : 1);
-    children.push_back(child);
-  }
-  for (const pid_t child : children) {
-    int status = 0;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "a write failed";
-  }
-  std::cout
-      << "[ MEASURED ] 2 processes x 1100 writes: "
-      << std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count()
-      << " ms\n";
-  ExpectEveryValue(store, writers, 1000);
-}
-
-TEST(SettingsStore, ThreadsWritingOneSectionKeepEveryValue) {
-  const Store store(false);
-  const std::vector<std::string> writers = {"T0", "T1", "T2", "T3"};
-  std::vector<std::thread> threads;
-  for (const std::string& writer : writers) {
-    threads.emplace_back([&writer] { EXPECT_TRUE(WriteMany(writer, 100)); });
-  }
-  for (std::thread& thread : threads) thread.join();
-  ExpectEveryValue(store, writers, 100);
 }
 
 }  // namespace

@@ -82,9 +82,9 @@ class DescribedLocale final : public LocaleFormat {
   LocaleDescription description_;
 };
 
-// The POSIX "C" locale as DescribePlatformLocale (locale_platform.h) describes it: English names, short date
-// "MM/dd/yy", long date "dddd, MMMM d, yyyy", time "HH:mm:ss", separator ":", designators "AM"
-// and "PM", no era. The fallback when not even "C" can be read.
+// The POSIX "C" locale as DescribePlatformLocale (locale_platform.h) describes it: English names,
+// short date "MM/dd/yy", long date "dddd, MMMM d, yyyy", time "HH:mm:ss", separator ":",
+// designators "AM" and "PM", no era. The fallback when not even "C" can be read.
 LocaleDescription CLocaleDescription();
 
 // A strftime format as a picture: %d dd, %e d, %m MM, %y yy, %Y yyyy, %b %h MMM, %B MMMM,
