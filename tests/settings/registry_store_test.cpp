@@ -138,13 +138,16 @@ TEST(SettingsStore, DamagedFileReadsDefaultsWhereHitAndIsRepairedByTheNextWrite)
   }
 }
 
-TEST(SettingsStore, UnusableOrReadOnlyLocationReadsDefaultsAndRefusesWrites) {
+TEST(SettingsStore, UnusableLocationReadsDefaultsAndRefusesWrites) {
   const Store store(true, "file/registry");  // below a regular file
   WriteFile(store.folder_ / "file", "not a folder");
   EXPECT_EQ(OpenVendorKey(), nullptr);
   EXPECT_EQ(GetRegistryString("Diagnostics", "PathInfo", "."), ".");
   EXPECT_FALSE(SetRegistryInt("Diagnostics", "General", 0));
   EXPECT_FALSE(SetRegistryString("Diagnostics", "PathInfo", "/tmp/"));
+}
+
+TEST(SettingsStore, ReadOnlySectionKeepsItsValuesAndRefusesWrites) {
   if (::geteuid() == 0) GTEST_SKIP() << "permissions do not stop the superuser";
   const Store writable;
   ASSERT_TRUE(SetRegistryInt("Diagnostics", "General", 2));
