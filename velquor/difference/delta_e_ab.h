@@ -18,6 +18,18 @@ namespace velquor {
 void ComputeDeltaEab(const CValueVector5& standard, const CValueVector5& trial,
                      CColorVector7& result);
 
+// The same difference on raw coordinates (L, a, b, C of a standard and a trial, four doubles
+// each), for callers that hold no records: dH is signed as above.
+struct LabDifference {
+  double dL;
+  double da;
+  double db;
+  double dC;
+  double dH;
+  double dE;
+};
+LabDifference DeltaEab(const double* standard, const double* trial);
+
 // The sign rule of the hue difference: -|dH| when bs at - as bt > 0 (the trial lies clockwise
 // of the standard), +|dH| otherwise, including a cross product of exactly 0.
 double SignHueDifference(double magnitude, double aStandard, double bStandard, double aTrial,

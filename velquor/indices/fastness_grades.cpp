@@ -1,6 +1,5 @@
 #include "velquor/indices/fastness_grades.h"
 
-#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -42,29 +41,10 @@ bool AnyMissingLab(const double* lab) {
   return false;
 }
 
-// The CIELAB difference, specimen minus reference, as ComputeDeltaEab gives it (dL*, dC*ab,
-// signed dH*ab, dE*ab). The records are per-thread scratch, so no record is allocated per call.
-struct LabDifference {
-  double dL;
-  double dC;
-  double dH;
-  double dE;
-};
-
-LabDifference Difference(const double* s, const double* t) {
-  thread_local CValueVector5 standard;
-  thread_local CValueVector5 trial;
-  thread_local CColorVector7 result;
-  std::copy_n(s, CValueVector5::kLength, standard.GetData());
-  std::copy_n(t, CValueVector5::kLength, trial.GetData());
-  ComputeDeltaEab(standard, trial, result);
-  return {result[0], result[4], result[5], result[6]};
-}
-
 double HueDegrees(double h) { return GetHueInDegrees() ? h : RadToDeg(h); }
 
 double StainGrade(const double* reference, const double* specimen) {
-  const LabDifference d = Difference(reference, specimen);
+  const LabDifference d = DeltaEab(reference, specimen);
   // dE*ab^2 - dL*^2 is da^2 + db^2 up to rounding; a negative remainder counts as none.
   const double chromatic2 = d.dE * d.dE - d.dL * d.dL;
   const double chromatic = chromatic2 > 0.0 ? std::sqrt(chromatic2) : 0.0;
@@ -77,7 +57,7 @@ double StainGrade(const double* reference, const double* specimen) {
 }
 
 double DeltaEF(const double* reference, const double* specimen) {
-  const LabDifference d = Difference(reference, specimen);
+  const LabDifference d = DeltaEab(reference, specimen);
   const double h1 = HueDegrees(reference[4]);
   const double h2 = HueDegrees(specimen[4]);
   double hueMean = (h1 + h2) / 2.0;
