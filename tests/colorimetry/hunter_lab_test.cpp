@@ -133,8 +133,14 @@ TEST(HunterLab, DarkAndMissingEdges) {
   EXPECT_NEAR(out[0], (25 * 2e-8 / (175 * std::sqrt(0.0102 * 94.811)) + 4e-16) * 94.811,
               1e-9 * std::abs(out[0]));
 
-  // Forward: a and b divide by sqrt(Y); Y = 0 or below has no Hunter coordinates.
-  for (const CValueVector3& xyz : {Vector3(1, 0, 1), Vector3(1, -1, 1), Vector3(kMissing, 20, 20),
+  // Forward: a and b divide by sqrt(Y) unguarded: Y = 0 gives L = 0, a = +inf, b = -inf.
+  XYZToHunterLab(white, Vector3(1, 0, 1), out);
+  EXPECT_EQ(out[0], 0.0);
+  EXPECT_EQ(out[1], INFINITY);
+  EXPECT_EQ(out[2], -INFINITY);
+  XYZToHunterLabClassic(Vector3(1, -1, 1), out);
+  EXPECT_TRUE(std::isnan(out[0]) && std::isnan(out[1]) && std::isnan(out[2]));
+  for (const CValueVector3& xyz : {Vector3(kMissing, 20, 20),
                                    Vector3(20, kMissing, 20), Vector3(20, 20, kMissing)}) {
     XYZToHunterLab(white, xyz, out);
     EXPECT_TRUE(AllMissing(out)) << xyz[0] << " " << xyz[1] << " " << xyz[2];

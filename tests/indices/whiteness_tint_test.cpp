@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cctype>
+#include <cmath>
 #include <string>
 
 #include "tristimulus_index_test_support.h"
@@ -181,9 +182,17 @@ TEST(WhitenessHunterLab, AcceptsEveryPairAndGivesMissingWithoutHunterLightness) 
       EXPECT_FALSE(IsMissing(WhitenessHunter(illuminant, observer, s1))) << illuminant;
     }
   }
-  // Hunter Lab divides by sqrt Y: a black sample has no Hunter a, b and so no whiteness.
-  EXPECT_EQ(WhitenessStensby(kD65, 1, Sample(1, 0, 1)), kMissing);
-  EXPECT_EQ(WhitenessHunter(kC, 0, Sample(1, 0, 1)), kMissing);
+}
+
+// Hunter a, b divide by sqrt Y unguarded: at Y = 0, a = +inf and b = -inf (X, Z > 0), so both
+// whiteness values are +inf; a black sample gives 0 / 0, NaN. Neither is the missing value.
+TEST(WhitenessHunterLab, ZeroYGivesTheFloatingPointResult) {
+  for (const int illuminant : {kC, kD65}) {  // classic form (C/2) and white point form (D65/2)
+    EXPECT_EQ(WhitenessStensby(illuminant, 0, Sample(10, 0, 20)), INFINITY) << illuminant;
+    EXPECT_EQ(WhitenessHunter(illuminant, 0, Sample(10, 0, 20)), INFINITY) << illuminant;
+    EXPECT_TRUE(std::isnan(WhitenessStensby(illuminant, 0, Sample(0, 0, 0)))) << illuminant;
+    EXPECT_TRUE(std::isnan(WhitenessHunter(illuminant, 0, Sample(0, 0, 0)))) << illuminant;
+  }
 }
 
 // CIE 15:2004: the perfect white of the illuminant and observer has W = its Y (100) and
