@@ -59,19 +59,20 @@ ChromaticityPoint Locus(int table, int j) {
   return {kLocus[table][j][0] / 10000.0, kLocus[table][j][1] / 10000.0};
 }
 
-TEST(DominantWavelength, OnTheRayToEachLocusPoint) {
-  // A fraction t of the way from white to the point of 400 + 10 j nm: that wavelength, purity
-  // 100 t, locus point the table entry. The purple line's corners are left out (400, 700 nm and
-  // the 10 degree 690 nm, repeated at 700 nm): a ray through a corner touches the purple line
-  // and a spectral side at once. Observer code 2 pairs the 2 degree white point (weighting
-  // tables) with the 10 degree locus.
+TEST(DominantWavelength, OnTheRayToEveryLocusPointEndsIncluded) {
+  // A fraction t of the way from white to the point of 400 + 10 j nm, j = 0 .. 30: that
+  // wavelength, purity 100 t, locus point the table entry; t = 1 is the sample on the locus.
+  // The 10 degree table repeats its 690 nm point at 700 nm: a sample there is reported at
+  // 690 nm, the first wavelength of that chromaticity. Observer code 2 pairs the 2 degree white
+  // point (weighting tables) with the 10 degree locus.
   struct Case {
     White white;
     int table;
   };
   for (const Case& c : {Case{kD65_2, 0}, Case{kC2, 0}, Case{kA2, 0}, Case{kD65_10, 1},
                         Case{{2, 2, 95.047, 108.883}, 1}}) {
-    for (int j = 1; j <= (c.table == 0 ? 29 : 28); ++j) {
+    for (int j = 0; j <= 30; ++j) {
+      const double expectedNm = c.table == 1 && j == 30 ? 690.0 : 400.0 + 10 * j;
       for (double t : {1.0, 0.5, 0.125, 1.25}) {
         SCOPED_TRACE(testing::Message() << c.white.illuminant << "/" << c.white.observer << " "
                                         << 400 + 10 * j << " nm, t = " << t);
@@ -80,7 +81,7 @@ TEST(DominantWavelength, OnTheRayToEachLocusPoint) {
         const double nm = DominantWavelength(c.white.illuminant, c.white.observer,
                                              Xyz(Along(c.white.Point(), Locus(c.table, j), t)),
                                              purity, &white, &sample, &locus);
-        EXPECT_NEAR(nm, 400.0 + 10 * j, kNm);
+        EXPECT_NEAR(nm, expectedNm, kNm);
         ExpectRel(purity, 100 * t);
         EXPECT_NEAR(locus.x, Locus(c.table, j).x, 1e-12);
         EXPECT_NEAR(locus.y, Locus(c.table, j).y, 1e-12);
@@ -105,9 +106,9 @@ TEST(DominantWavelength, BetweenLocusPointsTheNotAKnotSplineGivesThePurity) {
       {kD65_2, {0.29043471639296398, 0.52777692593941694}, 545, 50.247051966734},
       // D65/10, knots 400-470: d = 0.1, spline (0.173086184210526, 0.017715490430622) [29.1184]
       {kD65_10, {0.27280653120090897, 0.23979917984718113}, 415, 29.116771738082},
-      // C/2, knots 650-690, 695 nm extrapolated: d = 0.3, spline (0.73804375, 0.26195625)
-      // [69.7496]
-      {kC2, {0.60778147556457995, 0.27924118819728128}, 695, 69.540915845596},
+      // C/2, knots 650-700 (the last side takes its 700 nm end): d = 0.3, spline
+      // (0.73689, 0.26311)
+      {kC2, {0.60778147556457995, 0.27924118819728128}, 695, 69.749222930585},
       // D65/2, knots 400-480: d = 0.15, spline (0.170256177884615, 0.005725793269231) [42.4567]
       {kD65_2, {0.25214644431529826, 0.19180052665428671}, 425, 42.457158092385},
       // A, code 2 (A/2 white, 10 degree locus), knots 630-690: d = 0.1, spline
