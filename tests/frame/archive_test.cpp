@@ -9,6 +9,11 @@
 #include <utility>
 #include <vector>
 
+#include "velquor/data/angle_set.h"
+#include "velquor/data/dword_array.h"
+#include "velquor/data/ks_data.h"
+#include "velquor/data/string_array.h"
+
 namespace velquor {
 namespace {
 
@@ -100,6 +105,24 @@ TEST(ArchiveHostile, UnseekableStreamStopsAtItsEnd) {
     EXPECT_EQ(error.cause(), ArchiveError::Cause::kEndOfFile);
   }
   EXPECT_EQ(values, std::vector<double>{1.0});  // untouched on failure
+}
+
+// Seven bytes claiming 2^32 - 1 elements (the count escape, then 0xFFFFFFFF, then one byte)
+// on a stream that cannot seek: every loader must fail with ArchiveError, not allocate for the
+// claimed count.
+TEST(ArchiveHostile, EveryLoaderFailsCleanlyOnAShortOneWayStream) {
+  auto load = [](CObject&& object) {
+    UnseekableBuffer buffer(Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00}));
+    std::istream in(&buffer);
+    CArchive archive(in);
+    object.Serialize(archive);
+  };
+  EXPECT_THROW(load(CStringArray()), ArchiveError);
+  EXPECT_THROW(load(CDWordArray()), ArchiveError);
+  EXPECT_THROW(load(CUIntArray()), ArchiveError);
+  EXPECT_THROW(load(CValueArray()), ArchiveError);
+  EXPECT_THROW(load(CKSData()), ArchiveError);
+  EXPECT_THROW(load(CAngleSet()), ArchiveError);
 }
 
 TEST(ArchiveMode, LoadingAndStoringAreSeparate) {
