@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -167,6 +168,14 @@ TEST(ModuleLifecycle, AttachDetachAndFurtherLinks) {
 
   EXPECT_EQ(VelquorModuleEntry(ModuleReason::kProcessAttach), 1);
   EXPECT_TRUE(FindCustomResource("PWD", "ILL02_10").has_value());
+}
+
+// A module that calls InitVelquorModule before any other library call gets a link: the call
+// attaches the library first. Run in a fresh process, where nothing has attached it yet.
+TEST(ModuleLifecycle, InitVelquorModuleAsTheFirstCallAttaches) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(std::exit(InitVelquorModule() != nullptr && ResourceChainLength() == 2 ? 0 : 1),
+              testing::ExitedWithCode(0), "");
 }
 
 }  // namespace
