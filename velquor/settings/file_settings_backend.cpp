@@ -139,14 +139,15 @@ std::optional<std::string> FindKeyFolder(const std::string& parent, std::string_
 
 enum class ReadResult { kRead, kAbsent, kFailed };
 
-// Reads the key's values file into `text`. A file above the size limit reads as empty.
+// Reads the key's values file into `text`. A file above the size limit cannot be read: it
+// fails, so that a write refuses rather than replace values it could not see.
 ReadResult ReadValuesFile(const std::string& path, std::string& text) {
   text.clear();
   FileDescriptor fd(OpenRetrying(path, O_RDONLY));
   if (!fd.valid()) return errno == ENOENT ? ReadResult::kAbsent : ReadResult::kFailed;
   struct stat info;
   if (::fstat(fd.get(), &info) != 0 || !S_ISREG(info.st_mode)) return ReadResult::kFailed;
-  if (static_cast<std::uintmax_t>(info.st_size) > kMaxSettingsFileSize) return ReadResult::kRead;
+  if (static_cast<std::uintmax_t>(info.st_size) > kMaxSettingsFileSize) return ReadResult::kFailed;
   text.resize(static_cast<std::size_t>(info.st_size));
   std::size_t done = 0;
   while (done < text.size()) {
