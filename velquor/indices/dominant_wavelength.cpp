@@ -7,7 +7,7 @@
 
 #include "velquor/colorimetry/chromaticity.h"
 #include "velquor/colorimetry/coordinate_record.h"
-#include "velquor/colorimetry/weight_table_cache.h"
+#include "velquor/colorimetry/reference_white.h"
 #include "velquor/frame/numeric.h"
 #include "velquor/indices/cubic_spline.h"
 #include "velquor/indices/locus_constants.h"
@@ -163,12 +163,11 @@ double DominantWavelength(int illuminant, int observer, const CValueVector3& col
                           ChromaticityPoint* locusPoint) {
   if (IsMissingXYZ(colour)) return Missing(purity);
 
-  // The white point GetWhitePoint reports, read in place rather than copied.
-  const double* table = GetWeightTable(illuminant, observer);
-  if (table == nullptr) return Missing(purity);
-  const double* white = table + kWeightTableWhitePoint;
-  const double whiteSum = white[0] + white[1] + white[2];
-  const ChromaticityPoint w{white[0] / whiteSum, white[1] / whiteSum};
+  // The white point of the pair's weighting table, read in place rather than copied.
+  const double* white = FindReferenceWhite(illuminant, observer);
+  if (white == nullptr) return Missing(purity);
+  ChromaticityPoint w;
+  TripleToChromaticity(white, w.x, w.y);
 
   ChromaticityPoint s;
   XYZToChromaticity(colour, s.x, s.y);
