@@ -143,12 +143,12 @@ int Orientation(const ChromaticityPoint& a, const ChromaticityPoint& b,
 // The walk:
 //  1. W, the white point of the illuminant and observer, and S, the sample, in x, y.
 //  2. P = FarPointOnRay(W, S). A ray through a corner of the purple line (400 nm, 700 nm)
-//     takes the spectral side that ends there (CornerSide). Otherwise walk the locus sides (L[30], L[0]), (L[0], L[1]), ...
-//     (L[29], L[30]): a side is crossed when the line W-P separates or touches its ends and
-//     its line separates or touches W and P. The first side (700 nm -> 400 nm) is the purple
-//     line: the purity then refers to its intersection I with the line W-S, P is replaced by
-//     FarPointOnRay(S, W), the far point of the opposite ray, and the walk goes on to find
-//     where that ray crosses the spectral sides.
+//     takes the spectral side that ends there (CornerSide). Otherwise walk the locus sides
+//     (L[30], L[0]), (L[0], L[1]), ... (L[29], L[30]): a side is crossed when the line W-P
+//     separates or touches its ends and its line separates or touches W and P. The first side
+//     (700 nm -> 400 nm) is the purple line: the purity then refers to its intersection I with
+//     the line W-S, P is replaced by FarPointOnRay(S, W), the far point of the opposite ray,
+//     and the walk goes on to find where that ray crosses the spectral sides.
 //  3. On the crossed side A = L[k-1], B = L[k], with angles about W taken as atan2(dx, dy):
 //     wavelength = 400 + 10 (k - 1) + 10 (a_P - a_A) / (a_B - a_A), linear in angle.
 //  4. Outside the purple case the locus point is the not-a-knot spline of the locus points
