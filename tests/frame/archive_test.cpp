@@ -9,6 +9,11 @@
 #include <utility>
 #include <vector>
 
+#include "velquor/data/angle_set.h"
+#include "velquor/data/dword_array.h"
+#include "velquor/data/ks_data.h"
+#include "velquor/data/string_array.h"
+
 namespace velquor {
 namespace {
 
@@ -16,13 +21,6 @@ std::string Bytes(std::initializer_list<int> bytes) {
   std::string out;
   for (int b : bytes) out.push_back(static_cast<char>(b));
   return out;
-}
-
-std::string StoredCount(std::uint64_t count) {
-  std::ostringstream out;
-  CArchive archive(out);
-  archive.WriteCount(count);
-  return out.str();
 }
 
 TEST(ArchiveCount, CompactFormByteForByteAndBack) {
@@ -36,12 +34,17 @@ TEST(ArchiveCount, CompactFormByteForByteAndBack) {
       {0xFFFFFFFF, Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF})},
   };
   for (const auto& [count, bytes] : cases) {
-    EXPECT_EQ(StoredCount(count), bytes) << count;
+    std::ostringstream out;
+    CArchive storing(out);
+    storing.WriteCount(count);
+    EXPECT_EQ(out.str(), bytes) << count;
     std::istringstream in(bytes);
-    CArchive archive(in);
-    EXPECT_EQ(archive.ReadCount(), count);
+    CArchive loading(in);
+    EXPECT_EQ(loading.ReadCount(), count);
   }
-  EXPECT_THROW(StoredCount(0x100000000ull), ArchiveError);
+  std::ostringstream out;
+  CArchive storing(out);
+  EXPECT_THROW(storing.WriteCount(0x100000000ull), ArchiveError);
 }
 
 TEST(ArchiveValues, RawLittleEndianImages) {
@@ -51,35 +54,10 @@ TEST(ArchiveValues, RawLittleEndianImages) {
   EXPECT_EQ(out.str(), Bytes({0, 0, 0, 0, 0, 0, 0xF0, 0x3F, 0xFE, 0xFF, 0xFF, 0xFF, 0x34, 0x12}));
 }
 
-ArchiveError::Cause LoadDoublesCause(const std::string& bytes) {
-  std::istringstream in(bytes);
-  CArchive archive(in);
-  std::vector<double> values;
-  try {
-    archive.ReadElements(values, archive.ReadCount());
-  } catch (const ArchiveError& error) {
-    return error.cause();
-  }
-  ADD_FAILURE() << "no error";
-  return ArchiveError::Cause::kWrongMode;
-}
-
-TEST(ArchiveHostile, TruncatedAndOversizedStreamsFailCleanly) {
-  // Count 3 but only two doubles follow.
-  std::string twoDoubles = Bytes({3, 0}) + std::string(16, '\0');
-  EXPECT_EQ(LoadDoublesCause(twoDoubles), ArchiveError::Cause::kBadCount);
-  // A count of four billion elements in a ten-byte stream is refused before allocating.
-  EXPECT_EQ(LoadDoublesCause(Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 1, 2, 3, 4})),
-            ArchiveError::Cause::kBadCount);
-  // The stream ends inside the count itself.
-  EXPECT_EQ(LoadDoublesCause(Bytes({0xFF})), ArchiveError::Cause::kEndOfFile);
-  EXPECT_EQ(LoadDoublesCause(Bytes({0xFF, 0xFF, 0x01})), ArchiveError::Cause::kEndOfFile);
-}
-
 // A stream that cannot seek, so the archive cannot know how much is left.
-class UnseekableBuffer : public std::streambuf {
+class OneWayBuffer : public std::streambuf {
  public:
-  explicit UnseekableBuffer(std::string data) : data_(std::move(data)) {
+  explicit OneWayBuffer(std::string data) : data_(std::move(data)) {
     setg(data_.data(), data_.data(), data_.data() + data_.size());
   }
 
@@ -87,19 +65,55 @@ class UnseekableBuffer : public std::streambuf {
   std::string data_;
 };
 
-TEST(ArchiveHostile, UnseekableStreamStopsAtItsEnd) {
-  UnseekableBuffer buffer(Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F}) + std::string(24, '\0'));
-  std::istream in(&buffer);
-  CArchive archive(in);
-  EXPECT_FALSE(archive.RemainingBytes().has_value());
-  std::vector<double> values{1.0};
-  try {
-    archive.ReadElements(values, archive.ReadCount());
-    FAIL() << "no error";
-  } catch (const ArchiveError& error) {
-    EXPECT_EQ(error.cause(), ArchiveError::Cause::kEndOfFile);
+TEST(ArchiveHostile, TruncatedAndOversizedStreamsFailCleanly) {
+  // A seekable stream's counts are checked against the bytes left (kBadCount) before anything
+  // is read; a one-way stream fails where it ends (kEndOfFile). The target stays untouched.
+  struct Case {
+    std::string bytes;
+    bool oneWay;
+    ArchiveError::Cause cause;
+  };
+  const std::string claimsFourBillion = Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F});
+  const Case cases[] = {
+      {Bytes({3, 0}) + std::string(16, '\0'), false, ArchiveError::Cause::kBadCount},
+      {claimsFourBillion + Bytes({1, 2, 3, 4}), false, ArchiveError::Cause::kBadCount},
+      {claimsFourBillion + std::string(24, '\0'), true, ArchiveError::Cause::kEndOfFile},
+      {Bytes({0xFF}), false, ArchiveError::Cause::kEndOfFile},  // inside the count
+      {Bytes({0xFF, 0xFF, 0x01}), true, ArchiveError::Cause::kEndOfFile},
+  };
+  for (const Case& c : cases) {
+    OneWayBuffer oneWay(c.bytes);
+    std::istringstream seekable(c.bytes);
+    std::istream oneWayStream(&oneWay);
+    CArchive archive(c.oneWay ? oneWayStream : static_cast<std::istream&>(seekable));
+    EXPECT_EQ(archive.RemainingBytes().has_value(), !c.oneWay);
+    std::vector<double> values{1.0};
+    try {
+      archive.ReadElements(values, archive.ReadCount());
+      ADD_FAILURE() << "no error for " << c.bytes.size() << " bytes";
+    } catch (const ArchiveError& error) {
+      EXPECT_EQ(error.cause(), c.cause) << c.bytes.size() << " bytes";
+    }
+    EXPECT_EQ(values, std::vector<double>{1.0});
   }
-  EXPECT_EQ(values, std::vector<double>{1.0});  // untouched on failure
+}
+
+// Seven bytes claiming 2^32 - 1 elements (the count escape, then 0xFFFFFFFF, then one byte)
+// on a stream that cannot seek: every loader fails with ArchiveError instead of allocating for
+// the claimed count.
+TEST(ArchiveHostile, EveryLoaderFailsCleanlyOnAShortOneWayStream) {
+  auto load = [](CObject&& object) {
+    OneWayBuffer buffer(Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00}));
+    std::istream in(&buffer);
+    CArchive archive(in);
+    object.Serialize(archive);
+  };
+  EXPECT_THROW(load(CStringArray()), ArchiveError);
+  EXPECT_THROW(load(CDWordArray()), ArchiveError);
+  EXPECT_THROW(load(CUIntArray()), ArchiveError);
+  EXPECT_THROW(load(CValueArray()), ArchiveError);
+  EXPECT_THROW(load(CKSData()), ArchiveError);
+  EXPECT_THROW(load(CAngleSet()), ArchiveError);
 }
 
 TEST(ArchiveMode, LoadingAndStoringAreSeparate) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -62,12 +63,9 @@ TEST(StringTableText, RejectsMalformedLinesNamingTheLine) {
   }
 }
 
-class Translation : public ::testing::Test {
- protected:
-  void TearDown() override { ClearTranslatedStrings(); }
-};
-
-TEST_F(Translation, ReplacesEntriesByIdentifierAndKeepsOnFailure) {
+// Translations replace entries by identifier; a text that does not parse, or a file that
+// cannot be opened, keeps the previous translation and names the fault.
+TEST(Translation, ReplacesEntriesByIdentifierAndKeepsOnFailure) {
   EXPECT_EQ(LoadStringResource(60001), "");
   std::string out = "previous";
   EXPECT_EQ(LoadStringResource(60001, out), 0);
@@ -77,30 +75,22 @@ TEST_F(Translation, ReplacesEntriesByIdentifierAndKeepsOnFailure) {
   EXPECT_EQ(LoadStringResource(60001), "Farbabstand");
   EXPECT_EQ(LoadStringResource(60002, out), 1);  // translated to an empty text: found
   EXPECT_EQ(out, "");
-
   std::string error;
   EXPECT_EQ(LoadTranslatedStringsFromText("60001\tneu\nbroken\n", &error), 0);
   EXPECT_EQ(error, "line 2: no tab after the identifier");
-  EXPECT_EQ(LoadStringResource(60001), "Farbabstand");  // previous translation kept
+  EXPECT_EQ(LoadStringResource(60001), "Farbabstand");
 
-  ClearTranslatedStrings();
-  EXPECT_EQ(LoadStringResource(60001), "");
-}
-
-TEST_F(Translation, LoadsFromAFileAndNamesItInErrors) {
   const std::string path = ::testing::TempDir() + "velquor_translation_test.txt";
-  {
-    std::ofstream file(path, std::ios::binary);
-    file << "60003\tNuance\r\n";
-  }
+  std::ofstream(path, std::ios::binary) << "60003\tNuance\r\n";
   ASSERT_EQ(LoadTranslatedStrings(path), 1);
   EXPECT_EQ(LoadStringResource(60003), "Nuance");
   std::remove(path.c_str());
-
-  std::string error;
   EXPECT_EQ(LoadTranslatedStrings(path, &error), 0);
   EXPECT_EQ(error, path + ": cannot be opened");
   EXPECT_EQ(LoadStringResource(60003), "Nuance");
+
+  ClearTranslatedStrings();
+  EXPECT_EQ(LoadStringResource(60001), "");
 }
 
 // A second module with its own resources, linked into the chain like a host extension.
@@ -131,13 +121,14 @@ TEST(ResourceChain, FindsResourcesOfEveryLinkedModuleUntilItDetaches) {
   EXPECT_FALSE(FindCustomResource("PWD", "TEST02").has_value());
   EXPECT_FALSE(FindCustomResource("XYZ", "TEST01").has_value());
   std::vector<std::string> messages;
-  MessageSink previous = SetMessageSink(
-      [&](MessageKind, std::string_view text) { messages.emplace_back(text); });
+  MessageSink previous =
+      SetMessageSink([&](MessageKind, std::string_view text) { messages.emplace_back(text); });
   EXPECT_EQ(LoadStringResource(60010), "from the test module");
   EXPECT_EQ(LoadStringResource(60011), "second part");  // parts form one table
   EXPECT_EQ(LoadStringResource(60012), "first");        // a duplicate is reported, not taken
   SetMessageSink(std::move(previous));
-  EXPECT_EQ(messages, std::vector<std::string>{"string table test/two: identifier 60012 is defined twice"});
+  EXPECT_EQ(messages,
+            std::vector<std::string>{"string table test/two: identifier 60012 is defined twice"});
 
   TermExtensionModule(module);
   EXPECT_EQ(ResourceChainLength(), before);
@@ -167,6 +158,14 @@ TEST(ModuleLifecycle, AttachDetachAndFurtherLinks) {
 
   EXPECT_EQ(VelquorModuleEntry(ModuleReason::kProcessAttach), 1);
   EXPECT_TRUE(FindCustomResource("PWD", "ILL02_10").has_value());
+}
+
+// A module that calls InitVelquorModule before any other library call gets a link: the call
+// attaches the library first. Run in a fresh process, where nothing has attached it yet.
+TEST(ModuleLifecycle, InitVelquorModuleAsTheFirstCallAttaches) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(std::exit(InitVelquorModule() != nullptr && ResourceChainLength() == 2 ? 0 : 1),
+              testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

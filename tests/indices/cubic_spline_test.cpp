@@ -8,6 +8,7 @@
 #include <limits>
 #include <vector>
 
+#include "tolerances.h"
 #include "velquor/frame/numeric.h"
 
 namespace velquor {
@@ -24,7 +25,7 @@ TEST(CubicSpline, ReproducesACubicInsideAndBeyondTheKnots) {
     std::vector<double> values;
     for (double k : knots) values.push_back(Cubic(k));
     for (double at : {-1.2, 0.5, 1.0, 2.75, 5.9, 7.5}) {
-      EXPECT_NEAR(CubicSplineInterpolate(knots, values, at), Cubic(at), 1e-11)
+      EXPECT_NEAR(CubicSplineInterpolate(knots, values, at), Cubic(at), test::kIndependent)
           << knots.size() << " knots, at " << at;
     }
   }
@@ -33,11 +34,11 @@ TEST(CubicSpline, ReproducesACubicInsideAndBeyondTheKnots) {
 TEST(CubicSpline, FewKnotsGiveTheParabolaTheLineAndTheConstant) {
   // Lagrange through (0, 1), (1, 3), (3, 2): p(2) = -1/3 + 3 + 2/3 = 10/3, p(4) = 1 - 6 + 4 = -1
   const std::vector<double> x3 = {0, 1, 3}, y3 = {1, 3, 2};
-  EXPECT_NEAR(CubicSplineInterpolate(x3, y3, 2.0), 10.0 / 3.0, 1e-14);
-  EXPECT_NEAR(CubicSplineInterpolate(x3, y3, 4.0), -1.0, 1e-14);
+  EXPECT_NEAR(CubicSplineInterpolate(x3, y3, 2.0), 10.0 / 3.0, test::kExactFormula);
+  EXPECT_NEAR(CubicSplineInterpolate(x3, y3, 4.0), -1.0, test::kExactFormula);
   const std::vector<double> x2 = {1, 5}, y2 = {2, 10};  // y = 2 x
-  EXPECT_NEAR(CubicSplineInterpolate(x2, y2, 4.0), 8.0, 1e-14);
-  EXPECT_NEAR(CubicSplineInterpolate(x2, y2, 0.0), 0.0, 1e-14);
+  EXPECT_NEAR(CubicSplineInterpolate(x2, y2, 4.0), 8.0, test::kExactFormula);
+  EXPECT_NEAR(CubicSplineInterpolate(x2, y2, 0.0), 0.0, test::kExactFormula);
   EXPECT_EQ(CubicSplineInterpolate(std::vector<double>{3}, std::vector<double>{7}, -100.0), 7.0);
 }
 
@@ -54,7 +55,8 @@ TEST(CubicSpline, RefusesKnotsItCannotUse) {
   }
   EXPECT_TRUE(IsMissing(
       CubicSplineInterpolate(std::vector<double>{0, 1, 2}, std::vector<double>{0, 1}, 0.5)));
-  EXPECT_NEAR(CubicSplineInterpolate(full, full, 10.25), 10.25, 1e-12);  // 64 knots: accepted
+  EXPECT_NEAR(CubicSplineInterpolate(full, full, 10.25), 10.25,
+              test::kExactFormula);  // 64 knots: accepted
 }
 
 }  // namespace

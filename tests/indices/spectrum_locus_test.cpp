@@ -1,5 +1,5 @@
-// The spectrum-locus tables: the table each observer code selects, the stored unit, the
-// closing point, and concurrent first use of the cache.
+// The spectrum-locus tables: the table each observer code selects, every stored point in its
+// unit, the closing point, and concurrent first use of the cache.
 #include "velquor/indices/spectrum_locus.h"
 
 #include <gtest/gtest.h>
@@ -8,27 +8,26 @@
 #include <thread>
 #include <vector>
 
+#include "reference_table.h"
+
 namespace velquor {
 namespace {
 
-TEST(SpectrumLocus, ObserverCodesUnitAndClosingPoint) {
-  // 550 nm: 2 degree (3017, 6922), 10 degree (3474, 6501); 700 nm (7379, 2621), (7202, 2798).
+TEST(SpectrumLocus, EveryPointOfTheTableTheObserverCodeSelects) {
   // The integers are multiplied by 0.0001 (dividing by 10000 differs in the last bit for 36
-  // of the 128 entries, 0.0052 among them).
-  struct Case {
-    int observer, x550, y550, x700, y700;
-  };
-  for (const Case& c : {Case{0, 3017, 6922, 7379, 2621}, Case{1, 3474, 6501, 7202, 2798},
-                        Case{2, 3474, 6501, 7202, 2798}, Case{-1, 3474, 6501, 7202, 2798}}) {
-    const SpectrumLocus& locus = GetSpectrumLocus(c.observer);
-    EXPECT_EQ(locus[15].x, c.x550 * 0.0001) << c.observer;
-    EXPECT_EQ(locus[15].y, c.y550 * 0.0001) << c.observer;
-    EXPECT_EQ(locus[30].x, c.x700 * 0.0001) << c.observer;
-    EXPECT_EQ(locus[30].y, c.y700 * 0.0001) << c.observer;
+  // of the 128 entries, 0.0052 among them). Code 0 is 2 degree, every other code 10 degree.
+  for (const int observer : {0, 1, 2, -1}) {
+    const SpectrumLocus& locus = GetSpectrumLocus(observer);
+    const std::string x = observer == 0 ? "x2" : "x10", y = observer == 0 ? "y2" : "y10";
+    std::size_t j = 0;
+    for (const test::ReferenceRow& row : test::LoadReferenceTable("reference/spectrum_locus.csv")) {
+      EXPECT_EQ(locus[j].x, row.Integer(x) * 0.0001) << row.Where() << " code " << observer;
+      EXPECT_EQ(locus[j].y, row.Integer(y) * 0.0001) << row.Where() << " code " << observer;
+      ++j;
+    }
     EXPECT_EQ(locus[31].x, locus[0].x);  // the closing point repeats 400 nm
     EXPECT_EQ(locus[31].y, locus[0].y);
   }
-  EXPECT_EQ(GetSpectrumLocus(0)[0].y, 52 * 0.0001);
 }
 
 TEST(SpectrumLocusCache, ConcurrentFirstUseBuildsEachTableOnce) {

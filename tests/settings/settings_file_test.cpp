@@ -3,8 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
 #include <string>
 #include <vector>
+
+#include "velquor/settings/file_settings_backend.h"
 
 namespace velquor {
 namespace {
@@ -61,7 +67,7 @@ TEST(SettingsValuesForm, DamagedLinesAreSkippedAndTheRestRead) {
   for (const std::string& line : damaged) {
     const ParsedSettingsValues parsed = ParseSettingsValues(good + line);
     EXPECT_EQ(parsed.damagedLines, 1u) << line;
-    ASSERT_EQ(parsed.values.size(), 1u) << line;
+    EXPECT_EQ(parsed.values.size(), 1u) << line;
   }
   // The valid side of the same rules; a later line wins, names ignore ASCII case only.
   const ParsedSettingsValues valid =
@@ -73,6 +79,29 @@ TEST(SettingsValuesForm, DamagedLinesAreSkippedAndTheRestRead) {
   EXPECT_EQ(valid.values[2].data, "y");
   EXPECT_FALSE(SameSettingsName("\xC4", "\xE4"));
   EXPECT_FALSE(SameSettingsName("[", "{"));  // differ by 0x20 like letters, but are none
+}
+
+// A values file over the store's size limit cannot be read, so a write to its key must not
+// replace it by the one new value: the 20 values it holds stay.
+TEST(SettingsValuesFile, AWriteNeverDropsTheValuesOfAnOversizedFile) {
+  const auto root = std::filesystem::path(testing::TempDir()) / "velquor_oversized";
+  std::filesystem::remove_all(root);
+  std::unique_ptr<SettingsKey> key =
+      FileSettingsBackend(root, false).OpenCurrentUser()->CreateSubKey("Oversized", 0);
+  ASSERT_NE(key, nullptr);
+  const unsigned char data[4] = {1, 0, 0, 0};
+  for (char name = 'a'; name < 'a' + 20; ++name) key->SetValue(std::string(1, name), 4, data);
+  std::filesystem::path file;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
+    if (entry.path().filename() == ".values") file = entry.path();
+  }
+  std::ofstream(file, std::ios::app) << "# " << std::string(kMaxSettingsFileSize, 'x') << "\n";
+
+  EXPECT_FALSE(key->SetValue("New", 4, data));
+  std::ifstream in(file, std::ios::binary);
+  const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  EXPECT_EQ(ParseSettingsValues(text).values.size(), 20u);
+  std::filesystem::remove_all(root);
 }
 
 }  // namespace

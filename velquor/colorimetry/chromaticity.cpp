@@ -10,11 +10,15 @@ void XYZToChromaticity(const CValueVector3& xyz, double& x, double& y) {
     x = y = kMissing;
     return;
   }
-  const double sum = xyz[0] + xyz[1] + xyz[2];
-  if (IsZero(sum)) {
+  if (IsZero(xyz[0] + xyz[1] + xyz[2])) {
     x = y = kMissing;
     return;
   }
+  TripleToChromaticity(xyz.GetData(), x, y);
+}
+
+void TripleToChromaticity(const double* xyz, double& x, double& y) {
+  const double sum = xyz[0] + xyz[1] + xyz[2];
   x = xyz[0] / sum;
   y = xyz[1] / sum;
 }

@@ -10,4 +10,9 @@ namespace velquor {
 // A sample with only some elements missing is used as it stands.
 void XYZToChromaticity(const CValueVector3& xyz, double& x, double& y);
 
+// x and y of a raw triple X, Y, Z (three doubles), without any guard: the chromaticity of a
+// white point read in place from its weighting table (FindReferenceWhite), whose sum is never
+// zero. The one place where x and y are computed; XYZToChromaticity adds its guards around it.
+void TripleToChromaticity(const double* xyz, double& x, double& y);
+
 }  // namespace velquor

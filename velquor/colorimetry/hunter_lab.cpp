@@ -11,21 +11,12 @@ namespace velquor {
 
 namespace {
 
-// Y (or Y / Yn) that the forward formulas can divide by the square root of.
-bool IsUsableLightness(double y) {
-  return y > 0.0 && !IsZero(y);
-}
-
 void XYZToHunterLabWithWhite(const double* white, const CValueVector3& xyz, CValueVector3& lab) {
   if (IsMissingWhite(white) || AnyMissing(xyz, 3)) {
     FillMissing(lab, CValueVector3::kLength);
     return;
   }
   const double yr = xyz[1] / white[1];
-  if (!IsUsableLightness(yr)) {
-    FillMissing(lab, CValueVector3::kLength);
-    return;
-  }
   const double ka = kHunterKa * std::sqrt(kHunterKaWhite * white[0]);
   const double kb = kHunterKb * std::sqrt(kHunterKbWhite * white[2]);
   const double rootYr = std::sqrt(yr);
@@ -60,7 +51,7 @@ void HunterLabToXYZWithWhite(const double* white, const CValueVector3& lab, CVal
 }  // namespace
 
 void XYZToHunterLabClassic(const CValueVector3& xyz, CValueVector3& lab) {
-  if (AnyMissing(xyz, 3) || !IsUsableLightness(xyz[1])) {
+  if (AnyMissing(xyz, 3)) {
     FillMissing(lab, CValueVector3::kLength);
     return;
   }

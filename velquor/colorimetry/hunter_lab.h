@@ -6,8 +6,9 @@
 // - every other pair: the white point form with Ka = 175 sqrt(0.0102 Xn) and
 //   Kb = 70 sqrt(0.00847 Zn).
 // XYZ and the white point are on the Y = 100 scale; L, a, b travel as a three-value record.
-// Missing inputs give missing outputs in every slot. Forward, a Y that is not positive leaves
-// a and b undefined (division by sqrt Y) and gives missing outputs. Nothing throws.
+// Missing inputs give missing outputs in every slot. Forward, a and b divide by sqrt Y without
+// a guard: Y = 0 gives L = 0 and a, b the floating-point quotients (an infinity, or NaN for
+// 0 / 0), a negative Y gives NaN, and these are returned as they are. Nothing throws.
 #pragma once
 
 #include "velquor/data/value_vectors.h"

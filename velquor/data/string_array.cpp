@@ -44,10 +44,11 @@ void CStringArray::Serialize(CArchive& archive) {
     for (const std::string& value : values_) WriteString(archive, value);
   } else {
     const std::uint32_t count = archive.ReadCount();
-    // Every string takes at least its one-byte length.
+    // Every string takes at least its one-byte length. The array grows as strings arrive, never
+    // by the stored count: a stream that cannot seek may claim four billion strings in a few
+    // bytes, and must fail at its end rather than on the allocation.
     archive.RequireAvailable(count);
     std::vector<std::string> values;
-    values.reserve(count);
     for (std::uint32_t i = 0; i < count; ++i) values.push_back(ReadString(archive));
     values_ = std::move(values);
   }

@@ -4,8 +4,10 @@
 //    little-endian count;
 //  - elements: their raw little-endian images (doubles as 8-byte IEEE-754).
 // Failures (end of stream, a count the stream cannot hold, a write error) throw ArchiveError;
-// callers catch it at the archive boundary. Loading never allocates more than the stream can
-// still deliver.
+// callers catch it at the archive boundary. Loading never allocates for a stored count up
+// front: a seekable stream's count is checked against the bytes left, and every loader grows
+// its elements in bounded chunks as their bytes arrive, so a one-way stream that claims more
+// than it holds costs at most one chunk beyond what it delivered before ArchiveError.
 #pragma once
 
 #include <algorithm>

@@ -146,7 +146,11 @@ void EnsureVelquorAttached() {
   });
 }
 
-CDynLinkLibrary* InitVelquorModule() { return AddResourceLink(VelquorModule()); }
+CDynLinkLibrary* InitVelquorModule() {
+  // A module may call this before any other library call: attach first, as a lookup would.
+  EnsureVelquorAttached();
+  return AddResourceLink(VelquorModule());
+}
 
 bool FindStringOnChain(std::uint32_t id, std::string& out) {
   EnsureVelquorAttached();

@@ -88,8 +88,10 @@ int VelquorModuleEntry(ModuleReason reason);
 void EnsureVelquorAttached();
 
 // Creates a further chain link for the library's record, so that another module of the host
-// can find the library's strings and resources; null if the library is not attached or
-// memory runs out. The chain owns the link; it lives until the library detaches.
+// can find the library's strings and resources. Attaches the library first if nothing has
+// yet (EnsureVelquorAttached), so a call before any other library call gets a link; null if
+// the library has been detached or memory runs out. The chain owns the link; it lives until
+// the library detaches.
 CDynLinkLibrary* InitVelquorModule();
 
 // Searches the chain, newest link first, for a string (copied into `out`; true if found) or

@@ -7,9 +7,10 @@
 // spectrum locus have no reason for zero curvature at the ends of a window (a natural spline
 // forces it and is only second-order accurate near the ends), and clamped needs end slopes that
 // measured data do not supply. Not-a-knot reproduces every cubic exactly, keeps fourth-order
-// accuracy up to the ends, and extrapolates a short way past them smoothly, which the dominant
-// wavelength needs between 690 nm and 700 nm. With three knots the spline is the parabola
-// through them, with two the straight line, with one the constant.
+// accuracy up to the ends, and passes through every knot, the end knots included, so a value
+// asked for at a knot is that knot's value (the dominant wavelength relies on this for samples
+// on the spectrum locus). With three knots the spline is the parabola through them, with two
+// the straight line, with one the constant.
 //
 // Beyond the knots the spline continues the cubic of the end interval. Nothing throws and
 // nothing allocates: the caller supplies the storage.

@@ -7,7 +7,7 @@
 
 #include "velquor/colorimetry/chromaticity.h"
 #include "velquor/colorimetry/coordinate_record.h"
-#include "velquor/colorimetry/weight_table_cache.h"
+#include "velquor/colorimetry/reference_white.h"
 #include "velquor/frame/numeric.h"
 #include "velquor/indices/cubic_spline.h"
 #include "velquor/indices/locus_constants.h"
@@ -35,6 +35,35 @@ double Distance(const ChromaticityPoint& a, const ChromaticityPoint& b) {
 
 bool OppositeSigns(double u, double v) {
   return (u < 0.0 && v > 0.0) || (u > 0.0 && v < 0.0);
+}
+
+// Sine of the angle between the directions a -> b and a -> c below which c counts as lying on
+// the ray from a through b: far above the rounding of chromaticities of order 0.1 to 1
+// (about 1e-16), far below the angle between neighbouring locus points seen from a white
+// point (above 1e-3).
+constexpr double kOnRaySine = 1e-12;
+
+// Whether c lies on the ray from a through b (not behind a), to within kOnRaySine.
+bool OnRay(const ChromaticityPoint& a, const ChromaticityPoint& b, const ChromaticityPoint& c) {
+  const double dx1 = b.x - a.x, dy1 = b.y - a.y;
+  const double dx2 = c.x - a.x, dy2 = c.y - a.y;
+  const double cross = dx1 * dy2 - dy1 * dx2;
+  const double dot = dx1 * dx2 + dy1 * dy2;
+  return dot > 0.0 && std::fabs(cross) <= kOnRaySine * Distance(a, b) * Distance(a, c);
+}
+
+// The spectral side whose upper end the ray from W through S passes through when that end is
+// a corner of the purple line (400 nm or 700 nm), or 0. Such a ray touches the purple line and
+// a spectral side at once; the library reports the spectral colour, so a sample on the locus
+// at either end gets that end's wavelength. At 700 nm the side is the one ending at the first
+// point of that chromaticity (690 nm in the 10 degree table, which repeats it at 700 nm).
+std::size_t CornerSide(const SpectrumLocus& locus, const ChromaticityPoint& w,
+                       const ChromaticityPoint& s) {
+  if (OnRay(w, s, locus[0])) return 1;
+  std::size_t k = kLocusLastSpectral;
+  if (!OnRay(w, s, locus[k])) return 0;
+  while (k > 1 && locus[k - 1].x == locus[k].x && locus[k - 1].y == locus[k].y) --k;
+  return k;
 }
 
 double Missing(double& purity) {
@@ -113,16 +142,18 @@ int Orientation(const ChromaticityPoint& a, const ChromaticityPoint& b,
 
 // The walk:
 //  1. W, the white point of the illuminant and observer, and S, the sample, in x, y.
-//  2. P = FarPointOnRay(W, S). Walk the locus sides (L[30], L[0]), (L[0], L[1]), ...
-//     (L[29], L[30]): a side is crossed when the line W-P separates or touches its ends and
-//     its line separates or touches W and P. The first side (700 nm -> 400 nm) is the purple
-//     line: the purity then refers to its intersection I with the line W-S, P is replaced by
-//     FarPointOnRay(S, W), the far point of the opposite ray, and the walk goes on to find
-//     where that ray crosses the spectral sides.
+//  2. P = FarPointOnRay(W, S). A ray through a corner of the purple line (400 nm, 700 nm)
+//     takes the spectral side that ends there (CornerSide). Otherwise walk the locus sides
+//     (L[30], L[0]), (L[0], L[1]), ... (L[29], L[30]): a side is crossed when the line W-P
+//     separates or touches its ends and its line separates or touches W and P. The first side
+//     (700 nm -> 400 nm) is the purple line: the purity then refers to its intersection I with
+//     the line W-S, P is replaced by FarPointOnRay(S, W), the far point of the opposite ray,
+//     and the walk goes on to find where that ray crosses the spectral sides.
 //  3. On the crossed side A = L[k-1], B = L[k], with angles about W taken as atan2(dx, dy):
 //     wavelength = 400 + 10 (k - 1) + 10 (a_P - a_A) / (a_B - a_A), linear in angle.
 //  4. Outside the purple case the locus point is the not-a-knot spline of the locus points
-//     max(k-5, 0) .. min(k+5, 29) at that wavelength, x and y separately; then it is put on the
+//     max(k-5, 0) .. max(min(k+5, 29), k) at that wavelength, x and y separately (700 nm is a
+//     knot only for the last side, 690-700 nm, whose end it is); then it is put on the
 //     ray exactly, keeping its distance r from W: W + r (sin a_P, cos a_P). In the purple case
 //     I keeps its distance and lies on the sample's ray, which runs opposite to a_P:
 //     W - r (sin a_P, cos a_P).
@@ -132,12 +163,11 @@ double DominantWavelength(int illuminant, int observer, const CValueVector3& col
                           ChromaticityPoint* locusPoint) {
   if (IsMissingXYZ(colour)) return Missing(purity);
 
-  // The white point GetWhitePoint reports, read in place rather than copied.
-  const double* table = GetWeightTable(illuminant, observer);
-  if (table == nullptr) return Missing(purity);
-  const double* white = table + kWeightTableWhitePoint;
-  const double whiteSum = white[0] + white[1] + white[2];
-  const ChromaticityPoint w{white[0] / whiteSum, white[1] / whiteSum};
+  // The white point of the pair's weighting table, read in place rather than copied.
+  const double* white = FindReferenceWhite(illuminant, observer);
+  if (white == nullptr) return Missing(purity);
+  ChromaticityPoint w;
+  TripleToChromaticity(white, w.x, w.y);
 
   ChromaticityPoint s;
   XYZToChromaticity(colour, s.x, s.y);
@@ -153,10 +183,10 @@ double DominantWavelength(int illuminant, int observer, const CValueVector3& col
 
   bool purple = false;
   ChromaticityPoint onPurpleLine = kMissingPoint;
-  std::size_t crossed = 0;  // 0: no spectral side crossed
+  std::size_t crossed = CornerSide(locus, w, s);  // 0: no spectral side crossed yet
   ChromaticityPoint previous = locus[kLocusLastSpectral];
   int previousSide = Orientation(w, far, previous);
-  for (std::size_t k = 0; k + 1 < kLocusPointCount; ++k) {
+  for (std::size_t k = 0; crossed == 0 && k + 1 < kLocusPointCount; ++k) {
     int side = Orientation(w, far, locus[k]);
     if (side * previousSide < 1 &&
         Orientation(previous, locus[k], far) * Orientation(previous, locus[k], w) < 1) {
@@ -188,10 +218,11 @@ double DominantWavelength(int illuminant, int observer, const CValueVector3& col
 
   ChromaticityPoint onLocus = onPurpleLine;
   if (!purple) {
+    // The window always holds both ends of the crossed side, so the 690-700 nm side takes
+    // 700 nm as its last knot rather than extrapolating past 690 nm.
     const int k = static_cast<int>(crossed);
-    onLocus =
-        SplineLocusPoint(locus, std::max(k - kLocusSplineHalfWidth, 0),
-                         std::min(k + kLocusSplineHalfWidth, kLocusSplineLastPoint), wavelength);
+    const int last = std::max(std::min(k + kLocusSplineHalfWidth, kLocusSplineLastPoint), k);
+    onLocus = SplineLocusPoint(locus, std::max(k - kLocusSplineHalfWidth, 0), last, wavelength);
   }
   const double r = Distance(w, onLocus);
   const double direction = purple ? -1.0 : 1.0;

@@ -13,7 +13,16 @@
 // spectrum_locus.h) by the angle of the ray about the white point, interpolated linearly in
 // angle between the two locus points of the crossed side; the locus point that the purity
 // refers to is interpolated at that wavelength with a not-a-knot cubic spline in wavelength
-// (cubic_spline.h) over up to five locus points on each side, 400 nm to 690 nm.
+// (cubic_spline.h) over up to five locus points on each side of the crossed side's upper end,
+// 400 nm to 690 nm, and always both ends of the crossed side (so 700 nm is the last knot of
+// the 690-700 nm side).
+//
+// End conditions: the spline interpolates, so a sample exactly on a tabulated locus point gets
+// that point's wavelength and purity 100 (to rounding), ends included: the spline is never
+// evaluated beyond its knots, and a ray through a corner of the purple line (400 nm or
+// 700 nm) is taken as reaching the spectral side that ends there, not the purple line. The
+// 10 degree table repeats its 690 nm point at 700 nm; a sample at that chromaticity gets
+// 690 nm, the first wavelength that has it.
 #pragma once
 
 #include "velquor/data/value_vectors.h"
@@ -55,9 +64,8 @@ int Orientation(const ChromaticityPoint& a, const ChromaticityPoint& b, const Ch
 //     wavelength 1e-05.
 //   - Otherwise the walk described in dominant_wavelength.cpp: |wavelength| in [400, 700] nm,
 //     purity in (0, 100] inside the locus and above 100 outside it. A ray through a corner of
-//     the purple line (400 nm, 700 nm, and with the 10 degree table also 690 nm, which that
-//     table repeats at 700 nm) touches both the purple line and a spectral side; which of the
-//     two is reported then depends on the last bit of the arithmetic.
+//     the purple line (400 nm, 700 nm; within a sine of 1e-12) gives the spectral wavelength
+//     of that corner, never the complementary one.
 // whitePoint, samplePoint and locusPoint are optional chromaticity outputs. When whitePoint is
 // given, the white point, the sample and the point on the locus or on the purple line that the
 // purity refers to are written, to each of the three that is given. They are written only when

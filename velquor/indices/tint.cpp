@@ -26,7 +26,7 @@ double CieTintComputed(int illuminant, int observer, const CValueVector3& xyz) {
   if (white == nullptr) return kMissing;
   double xn = 0.0;
   double yn = 0.0;
-  WhiteChromaticity(white, xn, yn);
+  TripleToChromaticity(white, xn, yn);
   return CieTintFrom(observer, xn, yn, xyz);
 }
 

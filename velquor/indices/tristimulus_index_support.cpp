@@ -14,10 +14,4 @@ const double* ComputedWhite(int illuminant, int observer) {
 
 bool IsUnusableSample(const CValueVector3& xyz) { return IsMissingXYZ(xyz); }
 
-void WhiteChromaticity(const double* white, double& xn, double& yn) {
-  const double sum = white[0] + white[1] + white[2];
-  xn = white[0] / sum;
-  yn = white[1] / sum;
-}
-
 }  // namespace velquor

@@ -1,6 +1,6 @@
 // The pieces the whiteness, tint, yellowness and filter-value operations share: the computed
-// white of an illuminant and observer, the test for a sample that cannot be used, chromaticity
-// of a raw triple and the test for the C / 2 degree pair.
+// white of an illuminant and observer, the test for a sample that cannot be used and the test
+// for the C / 2 degree pair. The white's chromaticity comes from TripleToChromaticity.
 #pragma once
 
 #include "velquor/data/value_vectors.h"
@@ -22,10 +22,6 @@ const double* ComputedWhite(int illuminant, int observer);
 // included), or all three the missing value. A triple with only some values missing is used
 // as it stands, as by the chromaticity conversion.
 bool IsUnusableSample(const CValueVector3& xyz);
-
-// CIE 1931 x = X / (X + Y + Z), y = Y / (X + Y + Z) of a raw triple; no guard, used for
-// white points, whose sum is never zero.
-void WhiteChromaticity(const double* white, double& xn, double& yn);
 
 // True for illuminant C with the 2 degree observer (code 0), the one pair of the ASTM E313-73,
 // Taube, D1925 and DCM formulas.

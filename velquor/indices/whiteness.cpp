@@ -28,7 +28,7 @@ double CieWhitenessComputed(int illuminant, int observer, const CValueVector3& x
   if (white == nullptr) return kMissing;
   double xn = 0.0;
   double yn = 0.0;
-  WhiteChromaticity(white, xn, yn);
+  TripleToChromaticity(white, xn, yn);
   return CieWhitenessFrom(xn, yn, xyz);
 }
 

@@ -63,8 +63,9 @@ double WhitenessGanz(int illuminant, int observer, const CValueVector3& xyz,
                      const double* coefficients);
 
 // Stensby whiteness W = L + 3 a - 3 b and Hunter whiteness W = L - 3 b, with L, a, b the Hunter
-// Lab values of the sample for the chosen pair (XYZToHunterLab). Every pair; a sample whose
-// Hunter Lab is missing (Y not positive) gives the missing value.
+// Lab values of the sample for the chosen pair (XYZToHunterLab). Every pair, and never the
+// missing value for a usable sample: Y = 0 gives the unguarded floating-point result (an
+// infinity, or NaN for a black sample).
 double WhitenessStensby(int illuminant, int observer, const CValueVector3& xyz);
 double WhitenessHunter(int illuminant, int observer, const CValueVector3& xyz);
 

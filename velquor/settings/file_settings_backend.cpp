@@ -92,15 +92,16 @@ std::optional<std::string> FindKeyFolder(const std::string& parent, std::string_
 
 enum class ReadResult { kRead, kAbsent, kFailed };
 
-// Reads the key's values file into `text`. A file above the size limit reads as empty.
+// Reads the key's values file into `text`. A file above the size limit cannot be read: it
+// fails, so that a write refuses rather than replace values it could not see.
 ReadResult ReadValuesFile(const std::string& path, std::string& text) {
   switch (ReadWholeFile(path, kMaxSettingsFileSize, text)) {
     case FileReadStatus::kAbsent:
       return ReadResult::kAbsent;
     case FileReadStatus::kFailed:
+    case FileReadStatus::kTooLarge:
       return ReadResult::kFailed;
     case FileReadStatus::kRead:
-    case FileReadStatus::kTooLarge:
       break;
   }
   return ReadResult::kRead;

@@ -24,8 +24,9 @@
 //    never a mixture;
 //  - damaged lines of a ".values" file read as absent (so their values read as the caller's
 //    default), and the next write to the key rewrites the file from the lines that are intact;
-//  - a ".values" file larger than kMaxSettingsFileSize reads as empty, and a write that would
-//    make it larger fails;
+//  - a ".values" file larger than kMaxSettingsFileSize cannot be read: its values read as the
+//    defaults and a write to its key fails, leaving the file as it is; a write that would make
+//    the file larger than that fails too;
 //  - where folders or files cannot be created or replaced, reads give the defaults and writes
 //    return false.
 // The access rights passed when opening keys are not checked.
