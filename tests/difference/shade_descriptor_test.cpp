@@ -87,19 +87,10 @@ TEST(ShadeDescriptor, AnInputThatCannotBeObtainedLeavesAllOutputsEmpty) {
 
 TEST(ShadeDescriptor, RecordsSupplyStandardABAndTheFirstThreeSlots) {
   CValueVector5 standard;  // L, a, b, C, h: a green, blue standard
-  standard[0] = 50;
-  standard[1] = -5;
-  standard[2] = -3;
-  standard[3] = 20;
-  standard[4] = 200;
   CColorVector7 difference;  // dL, da, db, then weighted terms that must not be read
-  difference[0] = -1;
-  difference[1] = -1;
-  difference[2] = 1;
-  difference[3] = 1;
-  difference[4] = 1;
-  difference[5] = -1;
-  difference[6] = 5;
+  const double s[5] = {50, -5, -3, 20, 200}, d[7] = {-1, -1, 1, 1, 1, -1, 5};
+  for (int i = 0; i < 5; ++i) standard[i] = s[i];
+  for (int i = 0; i < 7; ++i) difference[i] = d[i];
   std::string text;
   CDWordArray codes, colours;
   DescribeShade(standard, difference, text, codes, colours, 0);
