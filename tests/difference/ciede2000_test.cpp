@@ -15,7 +15,6 @@
 namespace velquor {
 namespace {
 
-using difference_testing::Agreement;
 using difference_testing::Difference;
 using difference_testing::LabSample;
 
@@ -85,8 +84,7 @@ TEST(Ciede2000, AgreesWithLittleCmsAwayFromTheEdges) {
   struct Weights {
     double kL, kC, kH;
   } const weightSets[] = {{1, 1, 1}, {2, 1, 1}, {1.5, 0.8, 1.2}};
-  Agreement agreement{"CIEDE2000 vs LittleCMS cmsCIE2000DeltaE"};
-  int excluded = 0;
+  int excluded = 0, compared = 0;
   for (int i = 0; i < 400; ++i) {
     double l1 = lightness(rng), a1 = axis(rng), b1 = axis(rng);
     const double scale = i % 3 == 0 ? 1.5 : (i % 3 == 1 ? 12.0 : 120.0);
@@ -113,11 +111,10 @@ TEST(Ciede2000, AgreesWithLittleCmsAwayFromTheEdges) {
         Difference(LabSample(l1, a1, b1), LabSample(l2, a2, b2), kDiffCie2000, w.kL, w.kC, w.kH);
     SCOPED_TRACE(testing::Message() << "pair " << i);
     EXPECT_NEAR(r[6], ref, test::kIndependent);
-    agreement.Add(r[6] - ref);
+    ++compared;
   }
   EXPECT_EQ(excluded, 8);
-  EXPECT_EQ(agreement.pairs, 392);
-  agreement.Report();
+  EXPECT_EQ(compared, 392);
 }
 
 }  // namespace
