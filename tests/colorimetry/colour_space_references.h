@@ -9,6 +9,7 @@
 
 #include "reference_table.h"
 #include "velquor/data/value_vectors.h"
+#include "velquor/frame/numeric.h"
 #include "velquor/frame/options.h"
 
 namespace velquor::testing_support {
@@ -37,6 +38,14 @@ inline CValueVector3 Vector3(double a, double b, double c) {
 
 inline CValueVector3 Vector3(const WhitePoint& w) {
   return Vector3(w.x, w.y, w.z);
+}
+
+// True when every element of a conversion's output is the missing value.
+inline bool AllMissing(const CValueArray& v) {
+  for (std::size_t i = 0; i < v.GetSize(); ++i) {
+    if (!IsMissing(v[i])) return false;
+  }
+  return true;
 }
 
 // Largest absolute deviation seen in a sweep; Report() prints it for the record.

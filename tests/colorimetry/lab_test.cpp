@@ -15,6 +15,7 @@
 namespace velquor {
 namespace {
 
+using testing_support::AllMissing;
 using testing_support::kWhites;
 using testing_support::MaxError;
 using testing_support::ScopedHueUnit;
@@ -268,34 +269,29 @@ TEST(LabDifferential, AStepOfOneHundredThousandthIsNotMissing) {
 TEST(CielabConversions, MissingInputsGiveMissingOutputs) {
   const CValueVector3 white = Vector3(kWhites[0]);
   const CValueVector3 missingWhite = Vector3(kMissing, kMissing, kMissing);
-  auto allMissing = [](const CValueArray& v) {
-    for (std::size_t i = 0; i < v.GetSize(); ++i)
-      if (!IsMissing(v[i])) return false;
-    return true;
-  };
   // Any one missing component spoils the whole coordinate record.
   for (const CValueVector3& xyz :
        {Vector3(kMissing, 50, 50), Vector3(50, kMissing, 50), Vector3(50, 50, kMissing)}) {
     CValueVector5 lab;
     XYZToLab(white, xyz, lab);
-    EXPECT_TRUE(allMissing(lab));
+    EXPECT_TRUE(AllMissing(lab));
     CValueVector3 d;
     LabDifferential(white, xyz, 1, 1, 1, d);
-    EXPECT_TRUE(allMissing(d));
+    EXPECT_TRUE(AllMissing(d));
   }
   CValueVector5 lab;
   XYZToLab(missingWhite, Vector3(50, 50, 50), lab);
-  EXPECT_TRUE(allMissing(lab));
+  EXPECT_TRUE(AllMissing(lab));
   CValueVector3 empty;
   empty.RemoveAll();
   XYZToLab(white, empty, lab);
-  EXPECT_TRUE(allMissing(lab));
+  EXPECT_TRUE(AllMissing(lab));
 
   for (const auto& [l, a, b] : {std::tuple{kMissing, 1.0, 1.0}, std::tuple{50.0, kMissing, 1.0},
                                 std::tuple{50.0, 1.0, kMissing}}) {
     CValueVector3 xyz;
     LabToXYZ(white, l, a, b, xyz);
-    EXPECT_TRUE(allMissing(xyz));
+    EXPECT_TRUE(AllMissing(xyz));
   }
 }
 
