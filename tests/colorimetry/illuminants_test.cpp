@@ -78,9 +78,9 @@ TEST(ObserverTexts, CodeOneIsTenDegreesEveryOtherCodeTwo) {
     int observer;
     ObserverTextForm form;
     const char* text;
-  } cases[] = {{0, F::kPlain, "2°"},  {1, F::kPlain, "10°"},    {0, F::kDash, " - 2°"},
-               {1, F::kDash, " - 10°"}, {0, F::kSlash, "/2°"}, {1, F::kSlash, "/10°"},
-               {2, F::kPlain, "2°"},  {-1, F::kSlash, "/2°"},  {10, F::kDash, " - 2°"}};
+  } cases[] = {{0, F::kPlain, "2°"},    {1, F::kPlain, "10°"},  {0, F::kDash, " - 2°"},
+               {1, F::kDash, " - 10°"}, {0, F::kSlash, "/2°"},  {1, F::kSlash, "/10°"},
+               {2, F::kPlain, "2°"},    {-1, F::kSlash, "/2°"}, {10, F::kDash, " - 2°"}};
   for (const auto& c : cases) {
     std::string text;
     EXPECT_EQ(LoadObserverText(c.observer, c.form, text), 1);

@@ -41,7 +41,8 @@ CKSData Flat(double value) {
 // The perfect reflecting diffuser integrates to the table's white point: Y weights sum to 100,
 // X and Z weights to Xn and Zn within the tables' rounding; the white point itself is exact.
 TEST(ComputeXYZ, PerfectDiffuserReproducesTheWhitePointOfEveryTable) {
-  for (const auto& row : test::LoadReferenceTable("reference/colorimetry_weight_table_whites.csv")) {
+  for (const auto& row :
+       test::LoadReferenceTable("reference/colorimetry_weight_table_whites.csv")) {
     SCOPED_TRACE(row.Where());
     const int illuminant = row.Integer("illuminant"), observer = row.Integer("observer");
     CValueVector3 xyz, white;
@@ -77,7 +78,7 @@ TEST(ComputeXYZ, OnlyTheFirstPointDecidesMissing) {
     double first;
     bool missing;
   } cases[] = {{1e-05, true},     {1.0005e-05, true}, {9.995e-06, true},
-                        {9.99e-06, false}, {1.001e-05, false}, {0.0, false}};
+               {9.99e-06, false}, {1.001e-05, false}, {0.0, false}};
   for (const auto& c : cases) {
     CKSData curve = Flat(40.0);
     curve[0] = c.first;
@@ -108,7 +109,8 @@ TEST(ComputeXYZ, AMissingValueAt750nmIsSummedAsANumber) {
   ComputeXYZ(curve, 0, 0, xyz);
   // The point loses (100 - 1e-05) % of its weight and nothing else changes.
   for (std::size_t c = 0; c < 3; ++c) {
-    EXPECT_NEAR(xyz[c], white[c] - table[c * 40 + 39] * (100.0 - kMissing) * 0.01, test::kExactFormula);
+    EXPECT_NEAR(xyz[c], white[c] - table[c * 40 + 39] * (100.0 - kMissing) * 0.01,
+                test::kExactFormula);
   }
 }
 

@@ -84,7 +84,7 @@ TEST(WeightTableCache, EnsureFallsBackToD65ForTheSameObserver) {
   const struct {
     int illuminant, observer, result, index;
   } cases[] = {{20, 0, 0, 2}, {20, 1, 0, 2},  {17, 1, 0, 2}, {-3, 0, 0, 2},
-                        {5, 1, 1, 5},  {16, 0, 1, 16}, {0, 0, 1, 0}};
+               {5, 1, 1, 5},  {16, 0, 1, 16}, {0, 0, 1, 0}};
   for (const auto& c : cases) {
     int index = c.illuminant;
     EXPECT_EQ(EnsureWeightTable(index, c.observer), c.result) << c.illuminant;

@@ -37,8 +37,8 @@ Shade Describe(double a, double b, double dL, double da, double db, int darkText
 
 std::vector<std::uint32_t> Codes(const std::string& text) {
   static const std::map<std::string, std::uint32_t> kColours = {
-      {"0", 0},           {"white", 0xFFFFFF}, {"green", 0x008000},
-      {"red", 0x0000FF},  {"yellow", 0x00FFFF}, {"blue", 0xFF0000}};
+      {"0", 0},          {"white", 0xFFFFFF},  {"green", 0x008000},
+      {"red", 0x0000FF}, {"yellow", 0x00FFFF}, {"blue", 0xFF0000}};
   std::vector<std::uint32_t> values;
   std::istringstream in(text);
   for (std::string word; in >> word;) {
@@ -86,7 +86,7 @@ TEST(ShadeDescriptor, AnInputThatCannotBeObtainedLeavesAllOutputsEmpty) {
 }
 
 TEST(ShadeDescriptor, RecordsSupplyStandardABAndTheFirstThreeSlots) {
-  CValueVector5 standard;  // L, a, b, C, h: a green, blue standard
+  CValueVector5 standard;    // L, a, b, C, h: a green, blue standard
   CColorVector7 difference;  // dL, da, db, then weighted terms that must not be read
   const double s[5] = {50, -5, -3, 20, 200}, d[7] = {-1, -1, 1, 1, 1, -1, 5};
   for (int i = 0; i < 5; ++i) standard[i] = s[i];

@@ -276,11 +276,10 @@ TEST(StrengthPaths, RangesOutsideTheCurveGiveMissing) {
 // (0.002, 0.002, 0.002), which gives 100 * 0.00002 / 1 = 0.002 % (column 3: 0.00006 / 3).
 enum class Path { kSpectral, kBase, kWeighted, kTristimulus };
 // The path of each method code.
-constexpr Path kPaths[15] = {Path::kSpectral,    Path::kSpectral,    Path::kSpectral,
-                             Path::kWeighted,    Path::kWeighted,    Path::kWeighted,
-                             Path::kWeighted,    Path::kTristimulus, Path::kTristimulus,
-                             Path::kTristimulus, Path::kTristimulus, Path::kSpectral,
-                             Path::kBase,        Path::kBase,        Path::kBase};
+constexpr Path kPaths[15] = {
+    Path::kSpectral,    Path::kSpectral, Path::kSpectral,    Path::kWeighted,    Path::kWeighted,
+    Path::kWeighted,    Path::kWeighted, Path::kTristimulus, Path::kTristimulus, Path::kTristimulus,
+    Path::kTristimulus, Path::kSpectral, Path::kBase,        Path::kBase,        Path::kBase};
 
 class EveryMethod : public ::testing::TestWithParam<int> {};
 
