@@ -142,13 +142,8 @@ TEST(ComputeColorDifference, GePqs2HandCalculationForTwoIlluminants) {
   for (const auto& [illuminant, dC] : {std::pair{1, 5.14858589101074}, {2, 5.14785013264703}}) {
     const CColorVector7 r = Difference(XyzSample(40, 30, 20), XyzSample(41, 30.5, 19), kDiffGePqs2,
                                        1, 1, 1, 0, illuminant, 0);
-    const double expected[7] = {100 * 0.5 / 30,
-                                85.9422958870473,
-                                36.8324125230203,
-                                kMissing,
-                                85.9422958870473,
-                                36.8324125230203,
-                                dC};
+    const double slot1 = 100 * 0.5 / 30, dx = 85.9422958870473, dy = 36.8324125230203;
+    const double expected[7] = {slot1, dx, dy, kMissing, dx, dy, dC};
     for (int i = 0; i < 7; ++i) EXPECT_NEAR(r[i], expected[i], 1e-11) << "slot " << i;
   }
 }
