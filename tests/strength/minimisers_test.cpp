@@ -119,6 +119,8 @@ TEST(BracketMinimum, WalksParabolicAndGoldenStepsWithinTheBound) {
   } cases[] = {
       // Step 1: vertex 2 lies beyond c1, golden step to c2; step 2: vertex inside, f = 0 < f(c).
       {"parabola", kWalk, Parabola(2), 0, 0.5, 0, 1, 5, c1, 2, c2, 1},
+      // The same walk shifted by 1: the outward step is b + g (b - a), not b + g b.
+      {"parabola, start away from 0", kWalk, Parabola(3), 1, 1.5, 0, 1, 5, c1 + 1, 3, c2 + 1, 1},
       // f(a) < f(b): the walk runs on -f and finds the maximum, values as searched.
       {"uphill start seeks the maximum", kWalk, Parabola(2, 0, -1), 0, 0.5, 0, 1, 5, c1, 2, c2, -1},
       // No sign test here: one more golden step past c2 closes the bracket.

@@ -254,6 +254,7 @@ TEST(StrengthPaths, FloorsAndCapsFromBothSides) {
 
 TEST(StrengthPaths, RangesOutsideTheCurveGiveMissing) {
   EXPECT_TRUE(IsMissing(StrengthFromSpectra(Flat(50), Flat(40), false, 30, 40, 0, 0)));
+  EXPECT_TRUE(IsMissing(StrengthFromSpectra(Flat(50), Flat(40), false, 40, 40, 0, 0)));
   EXPECT_TRUE(
       IsMissing(StrengthWeighted(kD65, kTenDegree, 4, Flat(50), Flat(40), false, 6, 32, 0, 0)));
   // A user wavelength of 800 nm is index 44, beyond the curve.
@@ -332,8 +333,10 @@ TEST(AdjustToStrength, RescalesAbsorption) {
   CKSData spectrum = Flat(50.0);
   spectrum[3] = kMissing;
   CKSData result;
+  result.SetSize(3);  // grown to the spectrum's length
   // K/S 0.25 doubled: (0.5 - sqrt(2.5 * 0.5) + 1) * 100 = 150 - 100 sqrt(1.25).
   AdjustToStrength(settings, spectrum, false, result, 100.0);
+  ASSERT_EQ(result.GetSize(), CKSData::kLength);
   ExpectRel(result[10], 150.0 - 100.0 * std::sqrt(1.25));
   EXPECT_TRUE(IsMissing(result[3]));
   // Absorbance log10 2 doubled: 100 / 4.
