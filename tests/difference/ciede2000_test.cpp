@@ -60,6 +60,15 @@ TEST(Ciede2000, MeanHueAtExactlyHalfATurnUsesTheToleranceOfOneHundredMillionthDe
   }
 }
 
+// Standard (50, 10, -2) and trial (50, 20, 4) have primed hues 360 - h and h: they sum to exactly
+// a full turn and lie more than half a turn apart, so the mean hue is (sum - 360) / 2 = 0, not
+// (sum + 360) / 2 = 360, which would change RT and the total by 1.7e-5. Expected: the formula
+// evaluated at 50 digits (mpmath).
+TEST(Ciede2000, PrimedHuesSummingToAFullTurnHaveMeanHueZero) {
+  const CColorVector7 r = Difference(LabSample(50, 10, -2), LabSample(50, 20, 4), kDiffCie2000);
+  EXPECT_NEAR(r[6], 8.2814450650749875, test::kIndependent);
+}
+
 TEST(Ciede2000, NeutralSampleHasNoHueDifference) {
   // Sharma pair 7 with its components: C's C't = 0, so dh' = 0 and dH' = 0 (slot 6). The mean
   // hue then only weights terms that are zero, so the total is the chroma term alone.
