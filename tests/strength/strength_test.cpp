@@ -254,7 +254,9 @@ TEST(StrengthPaths, FloorsAndCapsFromBothSides) {
 
 TEST(StrengthPaths, RangesOutsideTheCurveGiveMissing) {
   EXPECT_TRUE(IsMissing(StrengthFromSpectra(Flat(50), Flat(40), false, 30, 40, 0, 0)));
-  EXPECT_TRUE(IsMissing(StrengthFromSpectra(Flat(50), Flat(40), false, 40, 40, 0, 0)));
+  CKSData shortStandard = Flat(50.0);  // one curve short is enough
+  shortStandard.SetSize(39);
+  EXPECT_TRUE(IsMissing(StrengthFromSpectra(shortStandard, Flat(40), false, 6, 39, 0, 0)));
   EXPECT_TRUE(
       IsMissing(StrengthWeighted(kD65, kTenDegree, 4, Flat(50), Flat(40), false, 6, 32, 0, 0)));
   // A user wavelength of 800 nm is index 44, beyond the curve.
