@@ -5,23 +5,28 @@
 #include <cmath>
 #include <cstdio>
 #include <string>
+#include <vector>
 
+#include "reference_table.h"
 #include "velquor/data/value_vectors.h"
+#include "velquor/frame/numeric.h"
 #include "velquor/frame/options.h"
 
 namespace velquor::testing_support {
 
 struct WhitePoint {
-  const char* name;
+  std::string name;
   double x, y, z;
 };
 
-// Tristimulus values of the perfect diffuser, Y = 100 (CIE 15:2004 Table T.3 and ASTM E308).
-inline constexpr WhitePoint kWhites[] = {
-    {"D65/2", 95.047, 100.0, 108.883}, {"D65/10", 94.811, 100.0, 107.304},
-    {"A/2", 109.850, 100.0, 35.585},   {"C/2", 98.074, 100.0, 118.232},
-    {"D50/2", 96.422, 100.0, 82.521},
-};
+// The published whites of reference/colorimetry_white_points.csv, read once.
+inline const std::vector<WhitePoint> kWhites = [] {
+  std::vector<WhitePoint> whites;
+  for (const auto& row : test::LoadReferenceTable("reference/colorimetry_white_points.csv")) {
+    whites.push_back({row.Text("name"), row.Number("X"), row.Number("Y"), row.Number("Z")});
+  }
+  return whites;
+}();
 
 inline CValueVector3 Vector3(double a, double b, double c) {
   CValueVector3 v;
@@ -33,6 +38,14 @@ inline CValueVector3 Vector3(double a, double b, double c) {
 
 inline CValueVector3 Vector3(const WhitePoint& w) {
   return Vector3(w.x, w.y, w.z);
+}
+
+// True when every element of a conversion's output is the missing value.
+inline bool AllMissing(const CValueArray& v) {
+  for (std::size_t i = 0; i < v.GetSize(); ++i) {
+    if (!IsMissing(v[i])) return false;
+  }
+  return true;
 }
 
 // Largest absolute deviation seen in a sweep; Report() prints it for the record.

@@ -18,6 +18,7 @@
 namespace velquor {
 namespace {
 
+using testing_support::AllMissing;
 using testing_support::Vector3;
 
 CValueVector3 White(int illuminant, int observer) {
@@ -101,13 +102,13 @@ TEST(ConversionsByIlluminant, IlluminantWithoutTableGivesMissingOutputs) {
   CValueVector5 five;
   CValueVector3 three;
   XYZToLab(40, 0, xyz, five);
-  EXPECT_TRUE(IsMissing(five[0]) && IsMissing(five[4]));
+  EXPECT_TRUE(AllMissing(five));
   XYZToLuv(40, 0, xyz, five);
-  EXPECT_TRUE(IsMissing(five[0]) && IsMissing(five[4]));
+  EXPECT_TRUE(AllMissing(five));
   LabToXYZ(40, 0, 50, 0, 0, three);
-  EXPECT_TRUE(IsMissing(three[0]) && IsMissing(three[2]));
+  EXPECT_TRUE(AllMissing(three));
   XYZToHunterLab(40, 0, xyz, three);
-  EXPECT_TRUE(IsMissing(three[0]) && IsMissing(three[2]));
+  EXPECT_TRUE(AllMissing(three));
   std::int32_t r = 0, g = 0, b = 0;
   XYZToRGB(40, 0, xyz, r, g, b);
   EXPECT_EQ(r, 192);

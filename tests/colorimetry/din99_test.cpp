@@ -6,6 +6,7 @@
 #include <tuple>
 
 #include "colour_space_references.h"
+#include "tolerances.h"
 #include "velquor/frame/numeric.h"
 
 namespace velquor {
@@ -33,12 +34,12 @@ TEST(LabToDIN99, WeightsDivideLightnessAndChromaOnly) {
   LabToDIN99(60, -20, 35, 1, 1, plain);
   LabToDIN99(60, -20, 35, 1, 2, e2);
   LabToDIN99(60, -20, 35, 4, 1, ch4);
-  EXPECT_NEAR(e2[0], plain[0] / 2, 1e-12);
-  EXPECT_NEAR(e2[3], plain[3] / 2, 1e-12);
-  EXPECT_NEAR(ch4[0], plain[0], 1e-12);
-  EXPECT_NEAR(ch4[3], plain[3] / 4, 1e-12);
-  EXPECT_NEAR(ch4[1], plain[1] / 4, 1e-12);
-  EXPECT_NEAR(ch4[2], plain[2] / 4, 1e-12);
+  EXPECT_NEAR(e2[0], plain[0] / 2, test::kExactFormula);
+  EXPECT_NEAR(e2[3], plain[3] / 2, test::kExactFormula);
+  EXPECT_NEAR(ch4[0], plain[0], test::kExactFormula);
+  EXPECT_NEAR(ch4[3], plain[3] / 4, test::kExactFormula);
+  EXPECT_NEAR(ch4[1], plain[1] / 4, test::kExactFormula);
+  EXPECT_NEAR(ch4[2], plain[2] / 4, test::kExactFormula);
   EXPECT_DOUBLE_EQ(e2[4], plain[4]);
   EXPECT_DOUBLE_EQ(ch4[4], plain[4]);
 }

@@ -11,6 +11,7 @@
 namespace velquor {
 namespace {
 
+using testing_support::AllMissing;
 using testing_support::kWhites;
 using testing_support::MaxError;
 using testing_support::Vector3;
@@ -19,12 +20,6 @@ constexpr double kCieEpsilon = 216.0 / 24389.0;
 constexpr double kCieKappa = 24389.0 / 27.0;
 // 903.29 against CIE's 24389/27 = 903.2963: the linear branch is 7.3e-6 relative low.
 constexpr double kKappaRelative = (24389.0 / 27.0 - 903.29) / 903.29;
-
-bool AllMissing(const CValueArray& v) {
-  for (std::size_t i = 0; i < v.GetSize(); ++i)
-    if (!IsMissing(v[i])) return false;
-  return true;
-}
 
 // CIE 15:2004 CIELUV with exact fractions.
 void CieLuv(const testing_support::WhitePoint& w, double x, double y, double z, double out[3]) {

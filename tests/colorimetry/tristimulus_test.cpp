@@ -7,45 +7,17 @@
 #include <cstdint>
 #include <cstring>
 #include <fstream>
-#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "reference_table.h"
+#include "tolerances.h"
 #include "velquor/colorimetry/weight_table_cache.h"
 #include "velquor/frame/numeric.h"
 
 namespace velquor {
 namespace {
-
-// White points (Xn, Zn; Yn = 100) that identify the library's 34 weighting tables, to three
-// decimals: ASTM E308 10 nm tables for the CIE illuminants, and the library's own tables for
-// the trade lamps (U50, U30, H23, HM, F4).
-struct WhitePoint {
-  int illuminant;
-  int observer;
-  double xn;
-  double zn;
-};
-
-constexpr WhitePoint kWhitePoints[] = {
-    {0, 0, 109.85, 35.585},   {0, 1, 111.144, 35.2},    {1, 0, 98.074, 118.232},
-    {1, 1, 97.285, 116.145},  {2, 0, 95.047, 108.883},  {2, 1, 94.811, 107.304},
-    {3, 0, 99.186, 67.393},   {3, 1, 103.279, 69.027},  {4, 0, 100.962, 64.35},
-    {4, 1, 103.863, 65.607},  {5, 0, 96.422, 82.521},   {5, 1, 96.72, 81.427},
-    {6, 0, 95.682, 92.149},   {6, 1, 95.799, 90.926},   {7, 0, 94.972, 122.638},
-    {7, 1, 94.416, 120.641},  {8, 0, 94.629, 77.449},   {8, 1, 97.71, 78.656},
-    {9, 0, 104.337, 38.2},    {9, 1, 107.824, 39.015},  {10, 0, 97.343, 60.262},
-    {10, 1, 102.18, 62.109},  {11, 0, 95.041, 108.747}, {11, 1, 95.792, 107.686},
-    {12, 0, 96.428, 82.42},   {12, 1, 97.118, 81.186},  {13, 0, 96.385, 82.354},
-    {13, 1, 98.956, 83.286},  {14, 0, 117.789, 22.889}, {14, 1, 119.234, 22.461},
-    {15, 0, 119.475, 21.358}, {15, 1, 120.841, 20.905}, {16, 0, 109.173, 40.275},
-    {16, 1, 112.131, 40.759},
-};
-
-void PrintTo(const WhitePoint& w, std::ostream* out) {
-  *out << "illuminant " << w.illuminant << ", observer " << w.observer;
-}
 
 // The shipped table file itself, read straight from the source tree (not through the cache).
 std::array<double, kWeightTableLength> ReadTableFile(const char* name) {
@@ -66,30 +38,24 @@ CKSData Flat(double value) {
   return curve;
 }
 
-class PerfectDiffuser : public testing::TestWithParam<WhitePoint> {};
-
 // The perfect reflecting diffuser integrates to the table's white point: Y weights sum to 100,
-// X and Z weights to Xn and Zn within the tables' rounding.
-TEST_P(PerfectDiffuser, ReproducesTheWhitePoint) {
-  const WhitePoint& w = GetParam();
-  CValueVector3 xyz;
-  ComputeXYZ(Flat(100.0), w.illuminant, w.observer, xyz);
-  EXPECT_NEAR(xyz[0], w.xn, 0.025);
-  EXPECT_NEAR(xyz[1], 100.0, 0.005);
-  EXPECT_NEAR(xyz[2], w.zn, 0.025);
-
-  CValueVector3 white;
-  ASSERT_EQ(GetWhitePoint(w.illuminant, w.observer, white), 1);
-  EXPECT_NEAR(white[0], w.xn, 5e-4);
-  EXPECT_EQ(white[1], 100.0);
-  EXPECT_NEAR(white[2], w.zn, 5e-4);
+// X and Z weights to Xn and Zn within the tables' rounding; the white point itself is exact.
+TEST(ComputeXYZ, PerfectDiffuserReproducesTheWhitePointOfEveryTable) {
+  for (const auto& row :
+       test::LoadReferenceTable("reference/colorimetry_weight_table_whites.csv")) {
+    SCOPED_TRACE(row.Where());
+    const int illuminant = row.Integer("illuminant"), observer = row.Integer("observer");
+    CValueVector3 xyz, white;
+    ComputeXYZ(Flat(100.0), illuminant, observer, xyz);
+    EXPECT_NEAR(xyz[0], row.Number("Xn"), 0.025);
+    EXPECT_NEAR(xyz[1], 100.0, 0.005);
+    EXPECT_NEAR(xyz[2], row.Number("Zn"), 0.025);
+    ASSERT_EQ(GetWhitePoint(illuminant, observer, white), 1);
+    EXPECT_NEAR(white[0], row.Number("Xn"), test::kThreeDecimals);
+    EXPECT_EQ(white[1], 100.0);
+    EXPECT_NEAR(white[2], row.Number("Zn"), test::kThreeDecimals);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(AllTables, PerfectDiffuser, testing::ValuesIn(kWhitePoints),
-                         [](const testing::TestParamInfo<WhitePoint>& info) {
-                           return "Ill" + std::to_string(info.param.illuminant) +
-                                  (info.param.observer == 1 ? "_10deg" : "_2deg");
-                         });
 
 TEST(ComputeXYZ, EachComponentReadsItsOwnFortyWeightsInWavelengthOrder) {
   // A curve that is 100 % at one wavelength k and 0 elsewhere gives (w[k] * 100) * 0.01, with
@@ -107,24 +73,20 @@ TEST(ComputeXYZ, EachComponentReadsItsOwnFortyWeightsInWavelengthOrder) {
 }
 
 TEST(ComputeXYZ, OnlyTheFirstPointDecidesMissing) {
-  struct Case {
+  // The missing band is (9.99e-06, 1.001e-05), both ends open.
+  const struct {
     double first;
     bool missing;
-  };
-  // The missing band is (9.99e-06, 1.001e-05), both ends open.
-  const Case cases[] = {{1e-05, true},     {1.0005e-05, true}, {9.995e-06, true},
-                        {9.99e-06, false}, {1.001e-05, false}, {0.0, false}};
-  for (const Case& c : cases) {
+  } cases[] = {{1e-05, true},     {1.0005e-05, true}, {9.995e-06, true},
+               {9.99e-06, false}, {1.001e-05, false}, {0.0, false}};
+  for (const auto& c : cases) {
     CKSData curve = Flat(40.0);
     curve[0] = c.first;
     CValueVector3 xyz;
     ComputeXYZ(curve, 2, 0, xyz);
+    // 40 % of D65 otherwise: X 38.0, Y 40, Z 43.6.
     for (std::size_t i = 0; i < 3; ++i) {
-      if (c.missing) {
-        EXPECT_EQ(xyz[i], kMissing) << c.first;
-      } else {
-        EXPECT_GT(xyz[i], 10.0) << c.first;  // 40 % of D65: X 38.0, Y 40, Z 43.6
-      }
+      EXPECT_TRUE(c.missing ? xyz[i] == kMissing : xyz[i] > 10.0) << c.first << " " << i;
     }
   }
 }
@@ -147,7 +109,8 @@ TEST(ComputeXYZ, AMissingValueAt750nmIsSummedAsANumber) {
   ComputeXYZ(curve, 0, 0, xyz);
   // The point loses (100 - 1e-05) % of its weight and nothing else changes.
   for (std::size_t c = 0; c < 3; ++c) {
-    EXPECT_NEAR(xyz[c], white[c] - table[c * 40 + 39] * (100.0 - kMissing) * 0.01, 1e-12);
+    EXPECT_NEAR(xyz[c], white[c] - table[c * 40 + 39] * (100.0 - kMissing) * 0.01,
+                test::kExactFormula);
   }
 }
 

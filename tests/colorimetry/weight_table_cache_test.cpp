@@ -9,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include "tolerances.h"
 #include "velquor/frame/numeric.h"
 
 // The cache is process-wide and never shrinks, and these tests may run in one process in any
@@ -19,16 +20,14 @@ namespace velquor {
 namespace {
 
 TEST(WeightTableName, DegreesAreTenOnlyForCodeOne) {
-  struct Case {
-    int illuminant;
-    int observer;
+  const struct {
+    int illuminant, observer;
     const char* name;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {0, 0, "ILL00_02"},  {0, 1, "ILL00_10"},  {16, 1, "ILL16_10"}, {5, 7, "ILL05_02"},
       {2, -1, "ILL02_02"}, {2, 10, "ILL02_02"}, {20, 0, "ILL20_02"}, {123, 1, "ILL123_10"},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     EXPECT_EQ(WeightTableName(c.illuminant, c.observer), c.name);
   }
 }
@@ -48,7 +47,7 @@ TEST(WeightTableCache, CollidingKeysShareTheFirstLoadedTable) {
   // own table for every later test); D65 with code 5 is then served CWF 10° as well.
   const double* cwf = GetWeightTable(3, 1);
   ASSERT_NE(cwf, nullptr);
-  EXPECT_NEAR(cwf[kWeightTableWhitePoint], 103.279, 5e-4);
+  EXPECT_NEAR(cwf[kWeightTableWhitePoint], 103.279, test::kThreeDecimals);
   EXPECT_EQ(GetWeightTable(2, 5), cwf);
   EXPECT_EQ(FindWeightTable(2, 5), FindWeightTable(3, 1));
 
@@ -56,7 +55,7 @@ TEST(WeightTableCache, CollidingKeysShareTheFirstLoadedTable) {
   // code 2 then gets A's table, white point Xn 109.85, instead of C's 98.074.
   const double* a = GetWeightTable(0, 6);
   ASSERT_NE(a, nullptr);
-  EXPECT_NEAR(a[kWeightTableWhitePoint], 109.85, 5e-4);
+  EXPECT_NEAR(a[kWeightTableWhitePoint], 109.85, test::kThreeDecimals);
   EXPECT_EQ(GetWeightTable(1, 2), a);
   const std::vector<std::uint32_t> keys = GetWeightTableCacheKeys();
   EXPECT_EQ(std::count(keys.begin(), keys.end(), 6u), 1);
@@ -82,15 +81,11 @@ TEST(WeightTableCache, AbsentTablesLeaveTheCacheUnchanged) {
 }
 
 TEST(WeightTableCache, EnsureFallsBackToD65ForTheSameObserver) {
-  struct Case {
-    int illuminant;
-    int observer;
-    int result;
-    int index;
-  };
-  const Case cases[] = {{20, 0, 0, 2}, {20, 1, 0, 2},  {17, 1, 0, 2}, {-3, 0, 0, 2},
-                        {5, 1, 1, 5},  {16, 0, 1, 16}, {0, 0, 1, 0}};
-  for (const Case& c : cases) {
+  const struct {
+    int illuminant, observer, result, index;
+  } cases[] = {{20, 0, 0, 2}, {20, 1, 0, 2},  {17, 1, 0, 2}, {-3, 0, 0, 2},
+               {5, 1, 1, 5},  {16, 0, 1, 16}, {0, 0, 1, 0}};
+  for (const auto& c : cases) {
     int index = c.illuminant;
     EXPECT_EQ(EnsureWeightTable(index, c.observer), c.result) << c.illuminant;
     EXPECT_EQ(index, c.index) << c.illuminant;
@@ -102,8 +97,8 @@ TEST(WeightTableCache, EnsureFallsBackToD65ForTheSameObserver) {
   ASSERT_EQ(EnsureWeightTable(index, 1), 0);
   CValueVector3 white;
   ASSERT_EQ(GetWhitePoint(index, 1, white), 1);
-  EXPECT_NEAR(white[0], 94.811, 5e-4);  // D65, 10°
-  EXPECT_NEAR(white[2], 107.304, 5e-4);
+  EXPECT_NEAR(white[0], 94.811, test::kThreeDecimals);  // D65, 10°
+  EXPECT_NEAR(white[2], 107.304, test::kThreeDecimals);
 }
 
 TEST(WeightTableCache, WhitePointGrowsAShortVector) {
@@ -111,9 +106,9 @@ TEST(WeightTableCache, WhitePointGrowsAShortVector) {
   white.SetSize(1);
   ASSERT_EQ(GetWhitePoint(14, 0, white), 1);
   ASSERT_EQ(white.GetSize(), 3u);
-  EXPECT_NEAR(white[0], 117.789, 5e-4);  // H23, 2°
+  EXPECT_NEAR(white[0], 117.789, test::kThreeDecimals);  // H23, 2°
   EXPECT_EQ(white[1], 100.0);
-  EXPECT_NEAR(white[2], 22.889, 5e-4);
+  EXPECT_NEAR(white[2], 22.889, test::kThreeDecimals);
 }
 
 TEST(WeightTableCache, ConcurrentFirstUseAppendsEachKeyOnce) {
@@ -121,8 +116,7 @@ TEST(WeightTableCache, ConcurrentFirstUseAppendsEachKeyOnce) {
   // code 1000 + i (keys >= 1000, the scanning path), and 200 codes 2000+ on illuminant 0, so
   // the cache grows past its first segments (64 and 128 entries) while threads read it.
   struct Pair {
-    int illuminant;
-    int observer;
+    int illuminant, observer;
   };
   std::vector<Pair> pairs;
   for (int i = 0; i < 17; ++i) pairs.push_back({i, 3});
@@ -167,8 +161,8 @@ TEST(WeightTableCache, ConcurrentFirstUseAppendsEachKeyOnce) {
               WeightTableKey(pairs[j].illuminant, pairs[j].observer));
   }
   // Codes other than 1 read the 2° tables: D65 2° Xn 95.047, A 2° Xn 109.85.
-  EXPECT_NEAR(tables[0][2][kWeightTableWhitePoint], 95.047, 5e-4);
-  EXPECT_NEAR(tables[0][pairs.size() - 1][kWeightTableWhitePoint], 109.85, 5e-4);
+  EXPECT_NEAR(tables[0][2][kWeightTableWhitePoint], 95.047, test::kThreeDecimals);
+  EXPECT_NEAR(tables[0][pairs.size() - 1][kWeightTableWhitePoint], 109.85, test::kThreeDecimals);
 }
 
 }  // namespace

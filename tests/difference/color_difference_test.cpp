@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "difference_fixtures.h"
+#include "tolerances.h"
 #include "velquor/frame/numeric.h"
 
 namespace velquor {
@@ -38,9 +39,9 @@ TEST(ComputeColorDifference, HueDifferenceIsPositiveAnticlockwiseAndOnAZeroCross
     EXPECT_DOUBLE_EQ(r[1], c.t[1] - c.s[1]);
     EXPECT_DOUBLE_EQ(r[2], c.t[2] - c.s[2]);
     EXPECT_DOUBLE_EQ(r[3], r[0]);
-    EXPECT_NEAR(r[4], c.dC, 1e-13);
+    EXPECT_NEAR(r[4], c.dC, test::kExactFormula);
     EXPECT_NEAR(r[5], c.dH, 1e-6);  // the hue term is a square root of a difference of squares
-    EXPECT_NEAR(r[6], c.dE, 1e-13);
+    EXPECT_NEAR(r[6], c.dE, test::kExactFormula);
   }
 }
 
@@ -114,7 +115,7 @@ TEST(ComputeColorDifference, HunterAndXyzYxyLayouts) {
   t.xyz[0] = 30, t.xyz[1] = 40, t.xyz[2] = 30;
   const CColorVector7 x = Difference(s, t, kDiffXyzYxy);
   const double yxy[7] = {-100, 100, 0, kMissing, -999.99, 999.99, 5};
-  for (int i = 0; i < 7; ++i) EXPECT_NEAR(x[i], yxy[i], 1e-12) << "slot " << i;
+  for (int i = 0; i < 7; ++i) EXPECT_NEAR(x[i], yxy[i], test::kExactFormula) << "slot " << i;
 }
 
 // FMC-2, standard XYZ (40, 30, 20), trial (41, 30.5, 19), by hand at 40 digits:
@@ -127,7 +128,7 @@ TEST(ComputeColorDifference, Fmc2HandCalculation) {
   const CColorVector7 r = Difference(XyzSample(40, 30, 20), XyzSample(41, 30.5, 19), kDiffFmc2);
   const double expected[7] = {1.17433406000111, 5.23232569032653, 4.19747158395654, kMissing,
                               6.70790577063912, kMissing,         6.80992366420155};
-  for (int i = 0; i < 7; ++i) EXPECT_NEAR(r[i], expected[i], 1e-12) << "slot " << i;
+  for (int i = 0; i < 7; ++i) EXPECT_NEAR(r[i], expected[i], test::kExactFormula) << "slot " << i;
 }
 
 // GE-PQS II, the same XYZ pair, by hand at 40 digits. Illuminant C, 2 degrees (white X =
@@ -141,13 +142,8 @@ TEST(ComputeColorDifference, GePqs2HandCalculationForTwoIlluminants) {
   for (const auto& [illuminant, dC] : {std::pair{1, 5.14858589101074}, {2, 5.14785013264703}}) {
     const CColorVector7 r = Difference(XyzSample(40, 30, 20), XyzSample(41, 30.5, 19), kDiffGePqs2,
                                        1, 1, 1, 0, illuminant, 0);
-    const double expected[7] = {100 * 0.5 / 30,
-                                85.9422958870473,
-                                36.8324125230203,
-                                kMissing,
-                                85.9422958870473,
-                                36.8324125230203,
-                                dC};
+    const double slot1 = 100 * 0.5 / 30, dx = 85.9422958870473, dy = 36.8324125230203;
+    const double expected[7] = {slot1, dx, dy, kMissing, dx, dy, dC};
     for (int i = 0; i < 7; ++i) EXPECT_NEAR(r[i], expected[i], 1e-11) << "slot " << i;
   }
 }

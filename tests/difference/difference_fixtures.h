@@ -1,13 +1,8 @@
-// Shared fixtures of the colour-difference tests: sample builders, a one-call wrapper around
-// the dispatcher and a running maximum that prints what a comparison sweep measured.
+// Shared fixtures of the colour-difference tests: sample builders and a one-call wrapper around
+// the dispatcher.
 #pragma once
 
 #include <lcms2.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstdio>
-#include <string>
 
 #include "velquor/difference/color_difference.h"
 
@@ -49,19 +44,5 @@ inline CColorVector7 Difference(const CColorSample& standard, const CColorSample
   ComputeColorDifference(standard, trial, code, illuminant, observer, weights, result, parameter);
   return result;
 }
-
-// Largest absolute deviation seen in a sweep and the number of pairs compared.
-struct Agreement {
-  std::string label;
-  double maxError = 0.0;
-  int pairs = 0;
-  void Add(double deviation) {
-    maxError = std::max(maxError, std::abs(deviation));
-    ++pairs;
-  }
-  void Report() const {
-    std::printf("[ measured ] %s: max |diff| %.3e over %d pairs\n", label.c_str(), maxError, pairs);
-  }
-};
 
 }  // namespace velquor::difference_testing

@@ -6,9 +6,11 @@
 #include <cstdint>
 #include <limits>
 #include <map>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "reference_table.h"
 #include "velquor/frame/constants.h"
 
 namespace velquor {
@@ -33,12 +35,17 @@ Shade Describe(double a, double b, double dL, double da, double db, int darkText
   return shade;
 }
 
-// The next double below and above 0.1 in magnitude.
-const double kJustBelow = std::nextafter(0.1, 0.0);
-const double kJustAbove = std::nextafter(0.1, 1.0);
-
-constexpr std::uint32_t kWhite = 0xFFFFFF, kGreen = 0x008000, kRed = 0x0000FF, kYellow = 0x00FFFF,
-                        kBlue = 0xFF0000;
+std::vector<std::uint32_t> Codes(const std::string& text) {
+  static const std::map<std::string, std::uint32_t> kColours = {
+      {"0", 0},          {"white", 0xFFFFFF},  {"green", 0x008000},
+      {"red", 0x0000FF}, {"yellow", 0x00FFFF}, {"blue", 0xFF0000}};
+  std::vector<std::uint32_t> values;
+  std::istringstream in(text);
+  for (std::string word; in >> word;) {
+    values.push_back(kColours.count(word) ? kColours.at(word) : std::stoul(word));
+  }
+  return values;
+}
 
 TEST(ShadeDescriptor, TextsAndIdentifiersOfTheTenCodes) {
   const char* const kTexts[] = {"Darker",  "Lighter",  "Redder",      "Less Red",  "Less Green",
@@ -53,74 +60,14 @@ TEST(ShadeDescriptor, TextsAndIdentifiersOfTheTenCodes) {
   }
 }
 
-struct AxisCase {
-  const char* what;
-  double a, b, dL, da, db;
-  int darkText;
-  const char* text;
-  std::vector<std::uint32_t> codes;
-  std::vector<std::uint32_t> colours;
-};
-
-TEST(ShadeDescriptor, EveryCodeWithItsColour) {
-  // clang-format off
-  const AxisCase cases[] = {
-      {"lighter, redder, yellower", 5, 3, 1, 1, 1, 0,
-       "Lighter,Redder,Yellower", {2, 3, 7}, {kWhite, kRed, kYellow}},
-      {"dark text", 5, 3, 1, 1, 1, 1, "Lighter,Redder,Yellower", {2, 3, 7}, {0, kRed, kYellow}},
-      {"negative flag is not dark text", 5, 3, 1, 1, 1, -1,
-       "Lighter,Redder,Yellower", {2, 3, 7}, {kWhite, kRed, kYellow}},
-      {"darker, less red, less yellow", 5, 3, -1, -1, -1, 0,
-       "Darker,Less Red,Less Yellow", {1, 4, 8}, {0, kRed, kYellow}},
-      {"green side, blue side, trial moves away", -5, -3, -1, -1, -1, 0,
-       "Darker,Greener,Bluer", {1, 6, 10}, {0, kGreen, kBlue}},
-      {"green side, blue side, trial moves back", -5, -3, 1, 1, 1, 0,
-       "Lighter,Less Green,Less Blue", {2, 5, 9}, {kWhite, kGreen, kBlue}},
-      // A standard exactly on a* = 0 or b* = 0 is on the red or yellow side.
-      {"neutral standard", 0, 0, 0, -1, -1, 0,
-       " ,Less Red,Less Yellow", {0, 4, 8}, {0, kRed, kYellow}},
-      {"negative zero standard", -0.0, -0.0, 0, 1, 1, 0,
-       " ,Redder,Yellower", {0, 3, 7}, {0, kRed, kYellow}},
-      {"no difference", -5, -3, 0, 0, 0, 1, " , , ", {0, 0, 0}, {0, 0, 0}},
-  };
-  // clang-format on
-  for (const AxisCase& c : cases) {
-    const Shade shade = Describe(c.a, c.b, c.dL, c.da, c.db, c.darkText);
-    EXPECT_EQ(shade.text, c.text) << c.what;
-    EXPECT_EQ(shade.codes, c.codes) << c.what;
-    EXPECT_EQ(shade.colours, c.colours) << c.what;
-  }
-}
-
-// Lightness counts a difference of exactly 0.1; the chromatic axes need more than 0.1.
-TEST(ShadeDescriptor, ThresholdsAtExactlyOneTenth) {
-  // clang-format off
-  const AxisCase cases[] = {
-      {"dL +0.1", 5, 3, 0.1, 0, 0, 0, "Lighter, , ", {2, 0, 0}, {kWhite, 0, 0}},
-      {"dL -0.1", 5, 3, -0.1, 0, 0, 0, "Darker, , ", {1, 0, 0}, {0, 0, 0}},
-      {"dL just below +0.1", 5, 3, kJustBelow, 0, 0, 0, " , , ", {0, 0, 0}, {0, 0, 0}},
-      {"dL just below -0.1", 5, 3, -kJustBelow, 0, 0, 0, " , , ", {0, 0, 0}, {0, 0, 0}},
-      {"da +0.1", 5, 3, 0, 0.1, 0, 0, " , , ", {0, 0, 0}, {0, 0, 0}},
-      {"da -0.1", -5, 3, 0, -0.1, 0, 0, " , , ", {0, 0, 0}, {0, 0, 0}},
-      {"da just above +0.1", 5, 3, 0, kJustAbove, 0, 0, " ,Redder, ", {0, 3, 0}, {0, kRed, 0}},
-      {"da just above -0.1", -5, 3, 0, -kJustAbove, 0, 0, " ,Greener, ", {0, 6, 0}, {0, kGreen, 0}},
-      {"db +0.1", 5, -3, 0, 0, 0.1, 0, " , , ", {0, 0, 0}, {0, 0, 0}},
-      {"db -0.1", 5, 3, 0, 0, -0.1, 0, " , , ", {0, 0, 0}, {0, 0, 0}},
-      {"db just above +0.1", 5, -3, 0, 0, kJustAbove, 0, " , ,Less Blue", {0, 0, 9}, {0, 0, kBlue}},
-      {"db just above -0.1", 5, 3, 0, 0, -kJustAbove, 0,
-       " , ,Less Yellow", {0, 0, 8}, {0, 0, kYellow}},
-      // Both rules in one comparison.
-      {"lighter, none, bluer", 5, -3, 0.1, 0.1, -0.2, 0,
-       "Lighter, ,Bluer", {2, 0, 10}, {kWhite, 0, kBlue}},
-      {"none, less green, yellower", -1, 2, -0.05, 0.3, 0.3, 0,
-       " ,Less Green,Yellower", {0, 5, 7}, {0, kGreen, kYellow}},
-  };
-  // clang-format on
-  for (const AxisCase& c : cases) {
-    const Shade shade = Describe(c.a, c.b, c.dL, c.da, c.db, c.darkText);
-    EXPECT_EQ(shade.text, c.text) << c.what;
-    EXPECT_EQ(shade.codes, c.codes) << c.what;
-    EXPECT_EQ(shade.colours, c.colours) << c.what;
+TEST(ShadeDescriptor, EveryCodeWithItsColourAndEachThresholdFromBothSides) {
+  for (const auto& row : test::LoadReferenceTable("reference/difference_shade_descriptors.csv")) {
+    SCOPED_TRACE(row.Where() + " " + row.Text("what"));
+    const Shade shade = Describe(row.Number("a"), row.Number("b"), row.Number("dL"),
+                                 row.Number("da"), row.Number("db"), row.Integer("dark_text"));
+    EXPECT_EQ(shade.text, row.Text("text"));
+    EXPECT_EQ(shade.codes, Codes(row.Text("codes")));
+    EXPECT_EQ(shade.colours, Codes(row.Text("colours")));
   }
 }
 
@@ -139,20 +86,11 @@ TEST(ShadeDescriptor, AnInputThatCannotBeObtainedLeavesAllOutputsEmpty) {
 }
 
 TEST(ShadeDescriptor, RecordsSupplyStandardABAndTheFirstThreeSlots) {
-  CValueVector5 standard;  // L, a, b, C, h: a green, blue standard
-  standard[0] = 50;
-  standard[1] = -5;
-  standard[2] = -3;
-  standard[3] = 20;
-  standard[4] = 200;
+  CValueVector5 standard;    // L, a, b, C, h: a green, blue standard
   CColorVector7 difference;  // dL, da, db, then weighted terms that must not be read
-  difference[0] = -1;
-  difference[1] = -1;
-  difference[2] = 1;
-  difference[3] = 1;
-  difference[4] = 1;
-  difference[5] = -1;
-  difference[6] = 5;
+  const double s[5] = {50, -5, -3, 20, 200}, d[7] = {-1, -1, 1, 1, 1, -1, 5};
+  for (int i = 0; i < 5; ++i) standard[i] = s[i];
+  for (int i = 0; i < 7; ++i) difference[i] = d[i];
   std::string text;
   CDWordArray codes, colours;
   DescribeShade(standard, difference, text, codes, colours, 0);

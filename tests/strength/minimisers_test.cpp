@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "strength/recording_objective.h"
+#include "tolerances.h"
 
 namespace velquor {
 namespace {
@@ -118,6 +119,8 @@ TEST(BracketMinimum, WalksParabolicAndGoldenStepsWithinTheBound) {
   } cases[] = {
       // Step 1: vertex 2 lies beyond c1, golden step to c2; step 2: vertex inside, f = 0 < f(c).
       {"parabola", kWalk, Parabola(2), 0, 0.5, 0, 1, 5, c1, 2, c2, 1},
+      // The same walk shifted by 1: the outward step is b + g (b - a), not b + g b.
+      {"parabola, start away from 0", kWalk, Parabola(3), 1, 1.5, 0, 1, 5, c1 + 1, 3, c2 + 1, 1},
       // f(a) < f(b): the walk runs on -f and finds the maximum, values as searched.
       {"uphill start seeks the maximum", kWalk, Parabola(2, 0, -1), 0, 0.5, 0, 1, 5, c1, 2, c2, -1},
       // No sign test here: one more golden step past c2 closes the bracket.
@@ -148,7 +151,7 @@ TEST(BracketMinimum, WalksParabolicAndGoldenStepsWithinTheBound) {
       EXPECT_EQ(Six(t.points), Six(Points(w.a, w.b, w.bound)));
       continue;
     }
-    ExpectNear(t.points, {w.x0, w.x1, w.x2}, 1e-12);
+    ExpectNear(t.points, {w.x0, w.x1, w.x2}, test::kExactFormula);
     for (int i = 0; i < 3; ++i) EXPECT_EQ(t.points[3 + i], w.sign * w.f(t.points[i])) << i;
     EXPECT_LE(t.points[4], t.points[3]);
     EXPECT_LT(t.points[4], t.points[5]);
@@ -189,8 +192,8 @@ TEST(BracketMinimum, CountsCompletedSteps) {
         EXPECT_EQ(Six(t.points), Six(Points(0, 1, 0)));
         continue;
       }
-      EXPECT_NEAR(t.points[0], k.wall ? WalkPoint(k.completed) : b, 1e-9 * b);
-      EXPECT_NEAR(t.points[2], c, 1e-9 * c);
+      EXPECT_NEAR(t.points[0], k.wall ? WalkPoint(k.completed) : b, test::kSearch * b);
+      EXPECT_NEAR(t.points[2], c, test::kSearch * c);
       EXPECT_LT(t.points[4], std::min(t.points[3], t.points[5]));
     }
   }
@@ -218,7 +221,7 @@ TEST(BracketMinimum, ZeroDenominatorContextAndShortVector) {
   EXPECT_EQ(BracketMinimum(&calls, countCalls, points), 1);
   EXPECT_EQ(calls, 5);
   ASSERT_EQ(points.GetSize(), 6u);
-  EXPECT_NEAR(points[1], 2.0, 1e-12);
+  EXPECT_NEAR(points[1], 2.0, test::kExactFormula);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -275,7 +278,7 @@ TEST(GoldenSectionSearch, TiesGoToTheHiSidePoint) {
     ExpectRun(t, 1, orRoot ? 25 + 9 : 25);
     const double m = t.points[0];
     if (orRoot) {
-      EXPECT_NEAR(t.points[1] - m, 10.0, 1e-12);
+      EXPECT_NEAR(t.points[1] - m, 10.0, test::kExactFormula);
     } else {
       EXPECT_EQ(t.points[1], NextKnownAbove(t.objective, m));
     }
@@ -410,7 +413,7 @@ TEST(GoldenSectionSearchOrRoot, AbandonsWhenTheSlopesDiverge) {
       EXPECT_EQ(t.points[3], k.f(t.points[0]));
       continue;
     }
-    ExpectNear(t.points, {k.x0, k.x1, k.x2}, 1e-12);
+    ExpectNear(t.points, {k.x0, k.x1, k.x2}, test::kExactFormula);
     EXPECT_EQ(t.points[3], kUnset);
   }
 }
