@@ -252,6 +252,44 @@ TEST(CgatsReader, DetectsFractionOrPercentAndCanBeTold) {
   }
 }
 
+// A slip such as "25" for "0.21" must not turn a fraction file into percent: the scale is
+// judged by the 90th percentile of the values (nearest rank: the 11th of 12 here), so one
+// slip is outvoted and two are not. Samples that disagree with the scale read give a note.
+TEST(CgatsReader, ScaleDetectionOutvotesASlipAndNotesTheDisagreeingSample) {
+  const std::string names = "SAMPLE_ID SAMPLE_NAME nm400 nm410 nm420";
+  const struct {
+    const char* rows;
+    ReflectanceScale requested;
+    ReflectanceScale expected;
+    const char* note;  // "" = no note
+  } kCases[] = {
+      {"1 a 0.2 25 0.3\n2 b 0.4 0.5 0.6\n3 c 0.1 0.1 0.1\n4 d 0.9 0.8 0.7\n", ReflectanceScale::kAuto,
+       ReflectanceScale::kFraction,
+       "sample a looks like percent (largest value 25) but the file is read as fractions; 1 of 4 samples disagree"},
+      {"1 a 0.2 25 0.3\n2 b 0.4 0.5 60\n3 c 0.1 0.1 0.1\n4 d 0.9 0.8 0.7\n", ReflectanceScale::kAuto,
+       ReflectanceScale::kPercent,
+       "sample c looks like fractions (largest value 0.1) but the file is read as percent; 2 of 4 samples disagree"},
+      {"1 a 20 25 30\n2 b 40 50 60\n3 c 10 10 10\n4 d 90 80 70\n", ReflectanceScale::kFraction,
+       ReflectanceScale::kFraction, ""},
+      {"1 a 20 25 30\n2 b 40 50 60\n3 c 1 1 1\n4 d 90 80 70\n", ReflectanceScale::kFraction,
+       ReflectanceScale::kFraction,
+       "sample a looks like percent (largest value 30) but the file is read as fractions; 3 of 4 samples disagree"},
+  };
+  for (const auto& c : kCases) {
+    MeasurementFile file;
+    ReadOptions options;
+    options.scale = c.requested;
+    ASSERT_TRUE(ParseCgats(Cgats(std::string(c.rows) + "END_DATA\n", names, "5", "4"), "s.cgats", options, file).ok);
+    EXPECT_EQ(file.scale, c.expected) << c.rows;
+    if (*c.note == '\0') {
+      EXPECT_TRUE(file.notes.empty()) << c.rows;
+      continue;
+    }
+    ASSERT_EQ(file.notes.size(), 1u) << c.rows;
+    EXPECT_EQ(file.notes[0].text, c.note);
+  }
+}
+
 // A sample with a missing value is read and reported; the other samples are untouched.
 TEST(CgatsReader, MissingValueIsReportedAndTheOtherSamplesRead) {
   MeasurementFile file;

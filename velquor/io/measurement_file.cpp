@@ -56,6 +56,23 @@ bool ParseWavelengthDigits(std::string_view text, double& nanometres) {
 
 std::string FormatWavelength(double nanometres) { return FormatMeasurementNumber(nanometres); }
 
+// English texts of the messages that a string table may not carry yet (one made for an older
+// version of the library, or a translation); the table's text wins when it has one.
+std::string_view BuiltInMeasurementText(std::uint32_t id) {
+  switch (id) {
+    case measurement_text::kLooksLikePercent:
+      return "sample %1 looks like percent (largest value %2) but the file is read as fractions; "
+             "%3 of %4 samples disagree";
+    case measurement_text::kLooksLikeFraction:
+      return "sample %1 looks like fractions (largest value %2) but the file is read as percent; "
+             "%3 of %4 samples disagree";
+    case measurement_text::kInvalidUtf8:
+      return "text that is not valid UTF-8 was replaced by U+FFFD in %1, first on line %2";
+    default:
+      return {};
+  }
+}
+
 }  // namespace
 
 std::string MeasurementError::Message() const {
@@ -151,7 +168,8 @@ void AppendMeasurementNumber(std::string& out, double value) {
 }
 
 std::string FormatMeasurementText(std::uint32_t id, std::initializer_list<std::string_view> args) {
-  const std::string pattern = LoadStringResource(id);
+  std::string pattern;
+  if (LoadStringResource(id, pattern) == 0) pattern = BuiltInMeasurementText(id);
   std::string text;
   text.reserve(pattern.size() + 32);
   for (std::size_t i = 0; i < pattern.size(); ++i) {
@@ -212,9 +230,42 @@ std::string MeasurementFile::DescribeScale() const {
   return FormatMeasurementText(id, {FormatMeasurementNumber(largestValue)});
 }
 
+namespace {
+
+// The scale read: the detection rule of kPercentDetectionQuantile over `values`, which it
+// reorders.
+ReflectanceScale DetectScale(std::vector<double>& values) {
+  if (values.empty()) return ReflectanceScale::kFraction;
+  const auto rank = static_cast<std::size_t>(std::ceil(kPercentDetectionQuantile * static_cast<double>(values.size())));
+  const auto at = values.begin() + static_cast<std::ptrdiff_t>(std::max<std::size_t>(rank, 1) - 1);
+  std::nth_element(values.begin(), at, values.end());
+  return *at > kPercentDetectionThreshold ? ReflectanceScale::kPercent : ReflectanceScale::kFraction;
+}
+
+// A note naming the first sample whose largest value looks like the other scale, when the
+// samples do not all look alike; `largest` holds each sample's largest value (missing: none).
+void NoteScaleDisagreement(MeasurementFile& file, const std::vector<double>& largest) {
+  const bool percent = file.scale == ReflectanceScale::kPercent;
+  std::size_t looksPercent = 0, looksFraction = 0, first = largest.size(), disagreeing = 0;
+  for (std::size_t s = 0; s < largest.size(); ++s) {
+    if (IsMissing(largest[s])) continue;
+    const bool samplePercent = largest[s] > kPercentDetectionThreshold;
+    ++(samplePercent ? looksPercent : looksFraction);
+    if (samplePercent == percent) continue;
+    if (disagreeing++ == 0) first = s;
+  }
+  if (looksPercent == 0 || looksFraction == 0) return;
+  const std::uint32_t id = percent ? measurement_text::kLooksLikeFraction : measurement_text::kLooksLikePercent;
+  file.notes.push_back({file.samples[first].line,
+                        FormatMeasurementText(id, {file.SampleLabel(first), FormatMeasurementNumber(largest[first]),
+                                                   std::to_string(disagreeing), std::to_string(largest.size())})});
+}
+
+}  // namespace
+
 void FinishMeasurementFile(MeasurementFile& file, ReflectanceScale requested) {
-  double largest = 0.0;
-  bool any = false;
+  std::vector<double> all;
+  std::vector<double> largestOfSample(file.samples.size(), kMissing);
   for (std::size_t s = 0; s < file.samples.size(); ++s) {
     std::string missing;
     for (std::size_t i = 0; i < file.samples[s].values.size(); ++i) {
@@ -224,8 +275,8 @@ void FinishMeasurementFile(MeasurementFile& file, ReflectanceScale requested) {
         missing += FormatWavelength(file.wavelengths[i]);
         continue;
       }
-      if (!any || v > largest) largest = v;
-      any = true;
+      if (IsMissing(largestOfSample[s]) || v > largestOfSample[s]) largestOfSample[s] = v;
+      all.push_back(v);
     }
     if (!missing.empty()) {
       file.notes.push_back(
@@ -233,26 +284,10 @@ void FinishMeasurementFile(MeasurementFile& file, ReflectanceScale requested) {
            FormatMeasurementText(measurement_text::kMissingValues, {file.SampleLabel(s), missing})});
     }
   }
-  file.largestValue = largest;
-  if (requested == ReflectanceScale::kAuto) {
-    file.scale = largest > kPercentDetectionThreshold ? ReflectanceScale::kPercent : ReflectanceScale::kFraction;
-    file.scaleDetected = true;
-  } else {
-    file.scale = requested;
-    file.scaleDetected = false;
-  }
-}
-
-void SetMeasurementScale(MeasurementFile& file, ReflectanceScale scale) {
-  if (scale == ReflectanceScale::kAuto || scale == file.scale) return;
-  const double factor = scale == ReflectanceScale::kPercent ? 100.0 : 0.01;
-  for (MeasurementSample& sample : file.samples) {
-    for (double& v : sample.values) {
-      if (!IsMissing(v)) v *= factor;
-    }
-  }
-  if (!IsMissing(file.largestValue)) file.largestValue *= factor;
-  file.scale = scale;
+  file.largestValue = all.empty() ? 0.0 : *std::max_element(all.begin(), all.end());
+  file.scaleDetected = requested == ReflectanceScale::kAuto;
+  file.scale = file.scaleDetected ? DetectScale(all) : requested;
+  NoteScaleDisagreement(file, largestOfSample);
 }
 
 void AddMeasurementColumn(MeasurementFile& file, std::string name, const std::vector<std::string>& values) {

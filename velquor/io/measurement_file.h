@@ -33,11 +33,17 @@ enum class ReflectanceScale {
   kPercent,   // 0..100
 };
 
-// A file whose largest spectral value is above this is read as percent, otherwise as
-// fractions. Fluorescent samples rarely exceed 2 as a fraction, and percent data whose
-// largest value is 2 % or less (a set of deep blacks) is rare; either can be told to the
-// reader with ReadOptions::scale.
+// Detection of the scale (ReflectanceScale::kAuto). A value above kPercentDetectionThreshold
+// looks like percent. The file reads as percent when its kPercentDetectionQuantile quantile
+// (nearest rank, over every spectral value read, missing values left out) is above the
+// threshold, otherwise as fractions; so a slip or two ("25" typed for "0.21") among many
+// fraction values does not turn the file into percent, as judging by the largest value would.
+// Fluorescent samples rarely exceed 2 as a fraction, and percent data mostly at or below 2 %
+// (a set of deep blacks) is rare; either can be told to the reader with ReadOptions::scale.
+// Whatever decides the scale, a sample whose largest value looks like the other scale, in a
+// file whose other samples agree with the scale read, is named in a note.
 inline constexpr double kPercentDetectionThreshold = 2.0;
+inline constexpr double kPercentDetectionQuantile = 0.9;
 
 // Most columns a file may have. Real exports have a few hundred (1 nm from 300 to 1100 nm is
 // 801); the limit keeps a hostile header from costing memory and time per row.
@@ -146,16 +152,13 @@ std::string FormatMeasurementNumber(double value);
 // The same, appended to `out` (no temporary string: the writers call it per value).
 void AppendMeasurementNumber(std::string& out, double value);
 
-// Decides the scale after reading (`requested` kAuto: from the largest value) and adds a
-// note for every sample with missing values.
+// Decides the scale after reading (`requested` kAuto: see kPercentDetectionQuantile), adds a
+// note for every sample with missing values and one when the samples disagree on the scale.
 void FinishMeasurementFile(MeasurementFile& file, ReflectanceScale requested);
 
 // The library text `id` (see resources/strings/measurement_files.txt) with "%1" ... "%9"
 // replaced by `args`; "%%" is a percent sign.
 std::string FormatMeasurementText(std::uint32_t id, std::initializer_list<std::string_view> args = {});
-
-// Converts every spectral value to `scale` (kFraction or kPercent); missing values stay missing.
-void SetMeasurementScale(MeasurementFile& file, ReflectanceScale scale);
 
 // Appends a non-spectral column with one text per sample (an empty text where `values` is
 // short), e.g. computed XYZ or CIELAB beside the spectra.
