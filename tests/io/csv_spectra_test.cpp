@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
 #include "velquor/io/cgats_reader.h"
 #include "velquor/io/cgats_writer.h"
 #include "velquor/frame/numeric.h"
+#include "velquor/frame/utf8.h"
 
 namespace velquor {
 namespace {
@@ -136,6 +138,43 @@ TEST(CsvSpectra, UnreadableFileIsAnError) {
   const MeasurementStatus status = ReadCsvSpectraFile(path, {}, file);
   EXPECT_FALSE(status.ok);
   EXPECT_EQ(status.error.Message(), path + ": cannot open the file (No such file or directory)");
+}
+
+// Bytes that are not UTF-8 (Latin-1 "\xE9", a lone continuation byte, a truncated sequence)
+// become U+FFFD wherever they stand; one note names the file and the first such line.
+TEST(MeasurementFiles, InvalidUtf8IsReplacedAndNotedOnce) {
+  const struct {
+    bool cgats;
+    std::string text;
+    std::size_t firstLine;
+    const char* name;  // the first sample's name as read
+  } kCases[] = {
+      {true,
+       "CGATS.17\nORIGINATOR \"caf\xE9\"\nBEGIN_DATA_FORMAT\nSAMPLE_NAME nm400 X\x80\nEND_DATA_FORMAT\n"
+       "BEGIN_DATA\n\"r\xC3\xA9" "d \xE2\x82\" 0.5 \xF0\x9F\nEND_DATA\n",
+       2, "r\xC3\xA9" "d \xEF\xBF\xBD"},
+      {false, "name,400\n\xFF\xFEred,0.5\nok,\n", 2, "\xEF\xBF\xBD\xEF\xBF\xBDred"},
+      {false, "name,400\nred,0.5\n", 0, "red"},
+  };
+  for (const auto& c : kCases) {
+    MeasurementFile file;
+    const MeasurementStatus status = c.cgats ? ParseCgats(c.text, "in.txt", {}, file) : ParseCsvSpectra(c.text, "in.txt", {}, file);
+    ASSERT_TRUE(status.ok) << status.error.Message();
+    EXPECT_EQ(file.SampleLabel(0), c.name);
+    EXPECT_EQ(file.invalidUtf8Line, c.firstLine);
+    for (const MeasurementColumn& column : file.columns) EXPECT_TRUE(IsValidUtf8(column.name)) << column.name;
+    for (const CgatsKeyword& keyword : file.keywords) EXPECT_TRUE(IsValidUtf8(keyword.value)) << keyword.value;
+    for (const std::string& field : file.samples[0].fields) EXPECT_TRUE(IsValidUtf8(field)) << field;
+    const auto utf8Notes = std::count_if(file.notes.begin(), file.notes.end(), [](const MeasurementNote& note) {
+      return note.text.find("U+FFFD") != std::string::npos;
+    });
+    EXPECT_EQ(utf8Notes, c.firstLine == 0 ? 0 : 1);
+    if (c.firstLine != 0) {
+      EXPECT_EQ(file.notes[0].line, c.firstLine);
+      EXPECT_EQ(file.notes[0].text, "text that is not valid UTF-8 was replaced by U+FFFD in in.txt, first on line " +
+                                        std::to_string(c.firstLine));
+    }
+  }
 }
 
 TEST(MeasurementNumbers, ParseOnlyWholeFiniteNumbers) {

@@ -16,6 +16,7 @@
 #include "velquor/io/csv_spectra.h"
 #include "velquor/io/spectral_grid_mapping.h"
 #include "velquor/frame/numeric.h"
+#include "velquor/frame/utf8.h"
 
 namespace velquor {
 namespace {
@@ -45,7 +46,11 @@ void CheckOutcome(const MeasurementStatus& status, const MeasurementFile& file, 
     return;
   }
   EXPECT_FALSE(file.samples.empty());
-  for (const MeasurementSample& sample : file.samples) EXPECT_EQ(sample.values.size(), file.wavelengths.size());
+  for (const MeasurementSample& sample : file.samples) {
+    EXPECT_EQ(sample.values.size(), file.wavelengths.size());
+    for (const std::string& field : sample.fields) EXPECT_TRUE(IsValidUtf8(field));
+  }
+  for (const MeasurementColumn& column : file.columns) EXPECT_TRUE(IsValidUtf8(column.name));
   std::vector<MappedSample> mapped;
   const MeasurementStatus mapping = MapMeasurementFile(file, mapped);
   if (mapping.ok) {

@@ -102,6 +102,7 @@ class CgatsParser {
   LineReader& reader_;
   const std::string& source_;
   MeasurementFile& out_;
+  std::string repaired_;  // the current line when it needed RepairUtf8Line
   std::vector<Token> tokens_;
   std::size_t tokenCount_ = 0;
   std::size_t lastEnd_ = 0;
@@ -247,6 +248,7 @@ MeasurementStatus CgatsParser::Run(const ReadOptions& options) {
     const LineReader::Status status = reader_.Next(line);
     if (status == LineReader::Status::kEnd) break;
     if (status != LineReader::Status::kLine) return LineReaderFailure(reader_, status, source_);
+    line = RepairUtf8Line(line, reader_.LineNumber(), repaired_, out_);
     const std::size_t limit = state_ == State::kData ? out_.columns.size() + 1 : kMaxColumns + 2;
     if (!Tokenize(line, limit, tokens_, tokenCount_, lastEnd_)) {
       return Fail(reader_.LineNumber(), FormatMeasurementText(text::kUnclosedQuote));

@@ -146,6 +146,7 @@ class CsvParser {
   LineReader& reader_;
   const std::string& source_;
   MeasurementFile& out_;
+  std::string repaired_;  // the current line when it needed RepairUtf8Line
   char delimiter_ = ',';
   std::vector<std::string_view> fields_;
   std::deque<std::string> store_;
@@ -230,6 +231,7 @@ MeasurementStatus CsvParser::Run(const ReadOptions& options) {
     const LineReader::Status status = reader_.Next(line);
     if (status == LineReader::Status::kEnd) break;
     if (status != LineReader::Status::kLine) return LineReaderFailure(reader_, status, source_);
+    line = RepairUtf8Line(line, reader_.LineNumber(), repaired_, out_);
     if (IsBlankLine(line)) continue;
     MeasurementStatus result;
     if (!haveHeader) {

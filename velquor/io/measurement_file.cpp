@@ -14,6 +14,7 @@
 #include "velquor/frame/constants.h"
 #include "velquor/frame/numeric.h"
 #include "velquor/frame/resources.h"
+#include "velquor/frame/utf8.h"
 
 namespace velquor {
 
@@ -321,6 +322,18 @@ MeasurementStatus LineReaderFailure(const LineReader& reader, LineReader::Status
       break;
   }
   return MeasurementStatus::Failure(source, 0, FormatMeasurementText(measurement_text::kEmptyFile));
+}
+
+std::string_view RepairUtf8Line(std::string_view line, std::size_t lineNumber, std::string& buffer,
+                                MeasurementFile& file) {
+  if (IsValidUtf8(line)) return line;
+  buffer = ReplaceInvalidUtf8(line);
+  if (file.invalidUtf8Line == 0) {
+    file.invalidUtf8Line = lineNumber;
+    file.notes.push_back(
+        {lineNumber, FormatMeasurementText(measurement_text::kInvalidUtf8, {file.source, std::to_string(lineNumber)})});
+  }
+  return buffer;
 }
 
 MeasurementStatus ReadLinesOfFile(const std::string& path,

@@ -119,6 +119,7 @@ struct MeasurementFile {
   double largestValue = 0.0;   // largest spectral value read (missing values left out)
   std::vector<MeasurementSample> samples;
   std::vector<MeasurementNote> notes;
+  std::size_t invalidUtf8Line = 0;  // first line with invalid UTF-8 (replaced by U+FFFD), or 0
 
   // The name a user knows a sample by: its SAMPLE_NAME, else SAMPLE_ID, else "#<n>".
   std::string SampleLabel(std::size_t sample) const;
@@ -168,6 +169,12 @@ void AddMeasurementColumn(MeasurementFile& file, std::string name, const std::ve
 // binary data, a read error, or kEnd on an empty input).
 MeasurementStatus LineReaderFailure(const LineReader& reader, LineReader::Status status,
                                     const std::string& source);
+
+// For the readers: `line` (line `lineNumber`) with each invalid UTF-8 sequence replaced by
+// U+FFFD, so that every text read is valid UTF-8; a repaired line is kept in `buffer`. The
+// first repaired line of `file` adds a note naming the file and the line.
+std::string_view RepairUtf8Line(std::string_view line, std::size_t lineNumber, std::string& buffer,
+                                MeasurementFile& file);
 
 // For the readers: opens `path`, hands its lines to `read` and closes it; a file that cannot
 // be opened is an error naming the file and the system's reason.
