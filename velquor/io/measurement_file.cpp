@@ -349,6 +349,87 @@ MeasurementStatus ReadLinesOfFile(const std::string& path,
   return read(reader);
 }
 
+std::string ShortenForMessage(std::string_view value) {
+  constexpr std::size_t kLimit = 40;
+  if (value.size() <= kLimit) return std::string(value);
+  std::size_t cut = kLimit;
+  while (cut > 0 && (static_cast<unsigned char>(value[cut]) & 0xC0) == 0x80) --cut;  // a continuation byte
+  return std::string(value.substr(0, cut)) + "...";
+}
+
+MeasurementStatus AddReadColumn(MeasurementFile& file, std::string name, bool allowPlain, std::size_t line,
+                                std::unordered_map<double, std::size_t>& wavelengthColumns) {
+  MeasurementColumn column;
+  column.name = std::move(name);
+  double nm = 0.0;
+  if (ParseSpectralColumnName(column.name, allowPlain, nm)) {
+    const auto [at, added] = wavelengthColumns.emplace(nm, file.columns.size());
+    if (!added) {
+      return MeasurementStatus::Failure(
+          file.source, line,
+          FormatMeasurementText(measurement_text::kDuplicateWavelengthColumn,
+                                {FormatMeasurementNumber(nm), file.columns[at->second].name, column.name}));
+    }
+    column.spectral = true;
+    column.index = file.wavelengths.size();
+    file.wavelengths.push_back(nm);
+  } else {
+    column.index = file.fieldCount++;
+  }
+  file.columns.push_back(std::move(column));
+  return {};
+}
+
+MeasurementStatus AddReadSample(MeasurementFile& file, std::size_t line, bool decimalComma,
+                                const std::function<std::string_view(std::size_t)>& cell) {
+  MeasurementSample sample;
+  sample.line = line;
+  sample.fields.resize(file.fieldCount);
+  sample.values.resize(file.wavelengths.size());
+  for (std::size_t i = 0; i < file.columns.size(); ++i) {
+    const MeasurementColumn& column = file.columns[i];
+    const std::string_view text = cell(i);
+    if (!column.spectral) {
+      sample.fields[column.index] = std::string(text);
+      continue;
+    }
+    double value = 0.0;
+    if (IsMissingValueText(text)) {
+      value = kMissing;
+    } else if (!ParseMeasurementNumber(text, decimalComma, value)) {
+      return MeasurementStatus::Failure(
+          file.source, line,
+          FormatMeasurementText(measurement_text::kNotANumber, {column.name, ShortenForMessage(text)}));
+    }
+    sample.values[column.index] = value;
+  }
+  file.samples.push_back(std::move(sample));
+  return {};
+}
+
+MeasurementStatus ParseMeasurementText(MeasurementLineReader read, std::string_view text, const std::string& source,
+                                       const ReadOptions& options, MeasurementFile& out) noexcept {
+  LineReader reader(text);
+  return read(reader, source, options, out);
+}
+
+MeasurementStatus ReadMeasurementFileWith(MeasurementLineReader read, const std::string& path,
+                                          const ReadOptions& options, MeasurementFile& out) noexcept {
+  return ReadWithoutThrowing(path, [&]() {
+    return ReadLinesOfFile(path, [&](LineReader& reader) { return read(reader, path, options, out); });
+  });
+}
+
+MeasurementStatus ReadIntoMeasurementFile(const std::string& source, MeasurementFormat format, MeasurementFile& out,
+                                          const std::function<MeasurementStatus()>& parse) noexcept {
+  return ReadWithoutThrowing(source, [&]() {
+    out = MeasurementFile();
+    out.source = source;
+    out.format = format;
+    return parse();
+  });
+}
+
 MeasurementStatus ReadWithoutThrowing(const std::string& source,
                                       const std::function<MeasurementStatus()>& read) noexcept {
   try {

@@ -20,6 +20,7 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "velquor/io/line_reader.h"
@@ -180,6 +181,39 @@ std::string_view RepairUtf8Line(std::string_view line, std::size_t lineNumber, s
 // be opened is an error naming the file and the system's reason.
 MeasurementStatus ReadLinesOfFile(const std::string& path,
                                   const std::function<MeasurementStatus(LineReader&)>& read);
+
+// For the readers: `value` as quoted back in a message, cut after 40 bytes (never inside a
+// UTF-8 character) with "..." appended.
+std::string ShortenForMessage(std::string_view value);
+
+// For the readers: appends the column `name` of the header at `line` to `file`, a spectral one
+// when ParseSpectralColumnName (with `allowPlain`) reads a wavelength in it. A second column of
+// the same wavelength is an error; `wavelengthColumns` maps the wavelengths met so far to
+// their column.
+MeasurementStatus AddReadColumn(MeasurementFile& file, std::string name, bool allowPlain, std::size_t line,
+                                std::unordered_map<double, std::size_t>& wavelengthColumns);
+
+// For the readers: appends the sample of the row at `line`, whose cell of column i is
+// `cell(i)` (one per column): text cells as read, spectral ones as numbers (a missing-value
+// text gives kMissing; `decimalComma` as in ParseMeasurementNumber). A spectral cell that is
+// not a number is an error.
+MeasurementStatus AddReadSample(MeasurementFile& file, std::size_t line, bool decimalComma,
+                                const std::function<std::string_view(std::size_t)>& cell);
+
+// A reader of lines into a measurement file, as ReadCgats and ReadCsvSpectra.
+using MeasurementLineReader = MeasurementStatus (*)(LineReader& reader, const std::string& source,
+                                                    const ReadOptions& options, MeasurementFile& out) noexcept;
+
+// For the readers: `read` over text held in memory, and over the file at `path`.
+MeasurementStatus ParseMeasurementText(MeasurementLineReader read, std::string_view text, const std::string& source,
+                                       const ReadOptions& options, MeasurementFile& out) noexcept;
+MeasurementStatus ReadMeasurementFileWith(MeasurementLineReader read, const std::string& path,
+                                          const ReadOptions& options, MeasurementFile& out) noexcept;
+
+// For the readers: empties `out`, names it after `source` and `format` and runs `parse` on
+// it, turning an exception (only memory exhaustion can raise one) into an error status.
+MeasurementStatus ReadIntoMeasurementFile(const std::string& source, MeasurementFormat format, MeasurementFile& out,
+                                          const std::function<MeasurementStatus()>& parse) noexcept;
 
 // For the readers: runs `read`, turning an exception (only memory exhaustion can raise one)
 // into an error status for `source`.
