@@ -107,31 +107,6 @@ TEST(CsvSpectra, ChoosesTheNameColumn) {
   }
 }
 
-TEST(CsvSpectra, BadInputIsRefusedWithFileAndLine) {
-  const struct {
-    std::string text;
-    const char* message;
-  } kCases[] = {
-      {"", "bad.csv: the file is empty"},
-      {"# only a comment\n\n", "bad.csv: no wavelength columns in the header (names such as 380, 380nm or nm380)"},
-      {"sample,L,a,b\nx,1,2,3\n", "bad.csv:1: no wavelength columns in the header (names such as 380, 380nm or nm380)"},
-      {"sample,400,410,420\n", "bad.csv:1: no samples"},
-      {"sample,400,410,420\na,1,2,3\nb,1,2\n", "bad.csv:3: the row has 3 fields; the header has 4"},
-      {"sample,400,410,420\na,1,2,3,\n", "bad.csv:2: the row has 5 fields; the header has 4"},
-      {"sample,400,410,420\na,1,two,3\n", "bad.csv:2: field 410: \"two\" is not a number"},
-      {"sample,400,410,420\na,1,2,3e\n", "bad.csv:2: field 420: \"3e\" is not a number"},
-      {"sample,400,nm400,420\na,1,2,3\n", "bad.csv:1: duplicate wavelength 400 nm (columns 400 and nm400)"},
-      {"sample,400,410,420\n\"a,1,2,3\n", "bad.csv:2: quoted text is not closed"},
-      {std::string("sample,400,410\n\x7f\x45LF,1,2\n"), "bad.csv:2: binary data (byte 0x7F): not a text file"},
-  };
-  for (const auto& c : kCases) {
-    MeasurementFile file;
-    const MeasurementStatus status = ParseCsvSpectra(c.text, "bad.csv", {}, file);
-    EXPECT_FALSE(status.ok) << c.text;
-    EXPECT_EQ(status.error.Message(), c.message);
-  }
-}
-
 TEST(CsvSpectra, UnreadableFileIsAnError) {
   MeasurementFile file;
   const std::string path = std::string(VELQUOR_TEST_DATA_DIR) + "/samples/no_such_file.csv";
