@@ -164,6 +164,9 @@ TEST(MeasurementNumbers, ParseOnlyWholeFiniteNumbers) {
       {"1.5.2", false, false, 0},   {"++1", false, false, 0},     {"inf", false, false, 0},
       {"nan", false, false, 0},     {"1e400", false, false, 0},   {"0x10", false, false, 0},
       {"1 ", false, false, 0},      {"", false, false, 0},        {"-", false, false, 0},
+      // 63 characters fit the parser's buffer, 64 do not.
+      {"0.0000000000000000000000000000000000000000000000000000000000000", false, true, 0},
+      {"0.00000000000000000000000000000000000000000000000000000000000000", false, false, 0},
   };
   for (const auto& c : kCases) {
     double value = -99.0;
