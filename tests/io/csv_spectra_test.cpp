@@ -87,6 +87,30 @@ TEST(CsvSpectra, KeepsOtherColumnsQuotingAndMissingValuesThroughAWrite) {
   EXPECT_EQ(back.MissingWavelengths(1), file.MissingWavelengths(1));
 }
 
+// The delimiter is the most frequent of ',', ';' and TAB in the header; ties go to ',' first,
+// then ';'. Which one won shows in the wavelength column that was found.
+TEST(CsvSpectra, DelimiterTiesGoToCommaThenSemicolon) {
+  const struct {
+    const char* text;
+    double nm;
+  } kCases[] = {{"400;410\t420\n1;2\t3\n", 400}, {"400,410\t420\n1,2\t3\n", 400}};
+  for (const auto& c : kCases) {
+    MeasurementFile file;
+    ASSERT_TRUE(ParseCsvSpectra(c.text, "d.csv", {}, file).ok) << c.text;
+    EXPECT_EQ(file.wavelengths, std::vector<double>(1, c.nm)) << c.text;
+  }
+}
+
+// A column added after reading gets one text per sample, empty where none is given.
+TEST(CsvSpectra, AddedColumnFillsEverySample) {
+  MeasurementFile file;
+  ASSERT_TRUE(ParseCsvSpectra("n,400\na,1\nb,2\n", "a.csv", {}, file).ok);
+  AddMeasurementColumn(file, "L", {"50"});
+  EXPECT_EQ(file.samples[0].fields, (std::vector<std::string>{"a", "50"}));
+  EXPECT_EQ(file.samples[1].fields, (std::vector<std::string>{"b", ""}));
+  EXPECT_EQ(file.columns.back().name, "L");
+}
+
 TEST(CsvSpectra, ChoosesTheNameColumn) {
   const struct {
     const char* header;
