@@ -52,10 +52,8 @@ ArrayPtr StringVector(std::initializer_list<std::u16string> texts, LONG lowerBou
 // The strings of a BSTR vector, nullopt for a null BSTR.
 std::vector<std::optional<std::u16string>> Contents(SAFEARRAY* psa) {
   std::vector<std::optional<std::u16string>> result;
-  for (const BSTR* slot = static_cast<BSTR*>(psa->pvData);
-       result.size() < psa->rgsabound[0].cElements; ++slot) {
-    result.push_back(*slot ? std::optional(std::u16string(*slot, SysStringLen(*slot)))
-                           : std::nullopt);
+  for (const BSTR* slot = static_cast<BSTR*>(psa->pvData); result.size() < psa->rgsabound[0].cElements; ++slot) {
+    result.push_back(*slot ? std::optional(std::u16string(*slot, SysStringLen(*slot))) : std::nullopt);
   }
   return result;
 }
@@ -84,13 +82,6 @@ class FaultPlan {
   std::vector<LONG> indices;
 };
 
-// `run` with the failAt-th call of `call` failing.
-template <class F>
-HRESULT WithFault(AutomationCall call, int failAt, F run) {
-  FaultPlan plan(call, failAt);
-  return run();
-}
-
 CStringArray StringArray(std::initializer_list<std::string> texts) {
   CStringArray array;
   for (const std::string& text : texts) array.Add(text);
@@ -102,8 +93,6 @@ std::vector<std::string> Texts(const CStringArray& array) {
   for (std::size_t i = 0; i < array.GetSize(); ++i) result.push_back(array[i]);
   return result;
 }
-
-// --- strings -------------------------------------------------------------------------------
 
 TEST(StringBridge, StoreThenLoadConvertsUtf8AndUtf16) {
   // "Gelb"; "ä€😀" (U+00E4, U+20AC, U+1F600: four UTF-16 units); an ill-formed byte; a NUL.
@@ -170,8 +159,8 @@ TEST(StringBridge, LoadFaultsKeepWhatWasReadBefore) {
     ArrayPtr psa = StringVector({u"a", u"b", u"c", u"d"});
     SAFEARRAY* raw = psa.get();
     CStringArray loaded = StringArray({"stale"});
-    EXPECT_EQ(WithFault(c.call, c.failAt, [&] { return LoadFromSafeArray(loaded, &raw); }),
-              c.call == AutomationCall::kUnlock ? S_OK : E_FAIL);
+    FaultPlan plan(c.call, c.failAt);
+    EXPECT_EQ(LoadFromSafeArray(loaded, &raw), c.call == AutomationCall::kUnlock ? S_OK : E_FAIL);
     EXPECT_EQ(Texts(loaded), c.kept);
     EXPECT_EQ(psa->cLocks, c.locks);
   }
@@ -199,13 +188,11 @@ TEST(StringBridge, StoreFaultsLeaveTheResizedArrayWithTheStringsWritten) {
     SCOPED_TRACE(testing::Message() << static_cast<int>(c.call) << '/' << c.failAt);
     ArrayPtr psa = StringVector({u"old"});
     SAFEARRAY* raw = psa.get();
-    EXPECT_EQ(WithFault(c.call, c.failAt, [&] { return StoreToSafeArray(source, &raw); }),
-              c.result);
+    FaultPlan plan(c.call, c.failAt);
+    EXPECT_EQ(StoreToSafeArray(source, &raw), c.result);
     EXPECT_EQ(Contents(raw), c.after);
   }
 }
-
-// --- every pair ----------------------------------------------------------------------------
 
 // One pair, driven through type-erased calls on a library array prefilled with two elements.
 struct Pair {
@@ -270,11 +257,9 @@ TEST(AllBridges, RefuseArraysOfTheWrongShapeOrKindUntouched) {
 }
 
 TEST(AllBridges, StaticOrFixedSizeArraysRefuseAStoreEvenAtTheRightSize) {
-  const std::pair<USHORT, HRESULT> cases[] = {
-      {FADF_FIXEDSIZE, E_POINTER},
-      {FADF_STATIC, E_POINTER},
-      {FADF_STATIC | FADF_FIXEDSIZE, E_POINTER},
-      {FADF_AUTO | FADF_EMBEDDED | FADF_HAVEIID, S_OK}};  // the neighbouring flags do not
+  const std::pair<USHORT, HRESULT> cases[] = {{FADF_FIXEDSIZE, E_POINTER}, {FADF_STATIC, E_POINTER},
+                                               {FADF_STATIC | FADF_FIXEDSIZE, E_POINTER},
+                                               {FADF_AUTO | FADF_EMBEDDED | FADF_HAVEIID, S_OK}};  // neighbours do not
   Arrays arrays;
   for (const Pair& pair : arrays.pairs) {
     for (const auto& [features, result] : cases) {
@@ -290,8 +275,6 @@ TEST(AllBridges, StaticOrFixedSizeArraysRefuseAStoreEvenAtTheRightSize) {
     }
   }
 }
-
-// --- numeric pairs -------------------------------------------------------------------------
 
 TEST(NumericBridges, RoundTripCopiesExactImages) {
   CValueArray doubles;
@@ -315,9 +298,7 @@ TEST(NumericBridges, RoundTripCopiesExactImages) {
   ArrayPtr ints = Vector(VT_I4, 0);
   raw = ints.get();
   ASSERT_EQ(StoreToSafeArray(dwords, &raw), S_OK);
-  EXPECT_EQ(
-      Values<std::int32_t>(raw),
-      (std::vector<std::int32_t>{0, -1, std::numeric_limits<std::int32_t>::min(), 0x3FC00000}));
+  EXPECT_EQ(Values<std::int32_t>(raw), (std::vector<std::int32_t>{0, -1, std::numeric_limits<std::int32_t>::min(), 0x3FC00000}));
   CUIntArray uints;
   ASSERT_EQ(LoadFromSafeArray(uints, &raw), S_OK);
   ASSERT_EQ(uints.GetSize(), 4u);
@@ -340,8 +321,10 @@ TEST(NumericBridges, LoadCopiesTheWholeBlockWhateverTheLowerBound) {
   // A failed lock comes after the library array was sized: old values kept, new ones zero.
   ArrayPtr four = Vector(VT_R8, 4);
   raw = four.get();
-  EXPECT_EQ(WithFault(AutomationCall::kLock, 1, [&] { return LoadFromSafeArray(loaded, &raw); }),
-            E_FAIL);
+  {
+    FaultPlan plan(AutomationCall::kLock, 1);
+    EXPECT_EQ(LoadFromSafeArray(loaded, &raw), E_FAIL);
+  }
   EXPECT_EQ(std::vector<double>(loaded.GetData(), loaded.GetData() + loaded.GetSize()),
             (std::vector<double>{0.5, 1.5, 2.5, 0.0}));
   EXPECT_EQ(four->cLocks, 0u);
@@ -374,8 +357,8 @@ TEST(NumericBridges, FailedStoreKeepsWhatItHadDone) {
     const std::uint32_t nines[2] = {9, 9};
     std::memcpy(psa->pvData, nines, sizeof nines);
     SAFEARRAY* raw = psa.get();
-    EXPECT_EQ(WithFault(c.call, 1, [&] { return StoreToSafeArray(source, &raw); }), c.result)
-        << static_cast<int>(c.call);
+    FaultPlan plan(c.call, 1);
+    EXPECT_EQ(StoreToSafeArray(source, &raw), c.result) << static_cast<int>(c.call);
     EXPECT_EQ(Values<std::uint32_t>(raw), c.after) << static_cast<int>(c.call);
     EXPECT_EQ(psa->cLocks, c.locks);
   }

@@ -68,13 +68,6 @@ TEST(Utf16, KnownEncodingsAtTheLengthBoundaries) {
     EXPECT_EQ(Utf16Length(c.utf8), c.utf16.size());
     EXPECT_EQ(Utf8Length(c.utf16), c.utf8.size());
   }
-  // RFC 3629 section 7: "A<NOT IDENTICAL TO><ALPHA>." and the Korean and Japanese words.
-  EXPECT_EQ(Utf8ToUtf16(Bytes({0x41, 0xE2, 0x89, 0xA2, 0xCE, 0x91, 0x2E})),
-            (std::u16string{0x0041, 0x2262, 0x0391, 0x002E}));
-  EXPECT_EQ(Utf8ToUtf16(Bytes({0xED, 0x95, 0x9C, 0xEA, 0xB5, 0xAD, 0xEC, 0x96, 0xB4})),
-            (std::u16string{0xD55C, 0xAD6D, 0xC5B4}));
-  EXPECT_EQ(Utf8ToUtf16(Bytes({0xE6, 0x97, 0xA5, 0xE6, 0x9C, 0xAC, 0xE8, 0xAA, 0x9E})),
-            (std::u16string{0x65E5, 0x672C, 0x8A9E}));
 }
 
 TEST(Utf16, EveryScalarValueRoundTrips) {
@@ -93,61 +86,46 @@ TEST(Utf16, EveryScalarValueRoundTrips) {
   EXPECT_TRUE(Utf8ToUtf16(utf8) == all);
 }
 
-TEST(Utf16, IllFormedUtf8BecomesOneReplacementPerMaximalSubpart) {
+// The one UTF-8 decoder on ill-formed input, seen through its three users: the conversion to
+// UTF-16, the repair of narrow text (ReplaceInvalidUtf8) and validation (ValidUtf8Prefix).
+TEST(Utf8Decoder, IllFormedInputIsOneReplacementPerMaximalSubpart) {
   constexpr char16_t R = 0xFFFD;
   struct Case {
     const char* what;
     std::string utf8;
     std::u16string utf16;
+    std::size_t validPrefix;
   };
   const Case cases[] = {
       // The Unicode Standard, section 3.9, tables 3-8 to 3-11.
-      {"table 3-8",
-       Bytes({0x61, 0xF1, 0x80, 0x80, 0xE1, 0x80, 0xC2, 0x62, 0x80, 0x63, 0x80, 0xBF, 0x64}),
-       {u'a', R, R, R, u'b', R, u'c', R, R, u'd'}},
-      {"non-shortest forms",
-       Bytes({0xC0, 0xAF, 0xE0, 0x80, 0xBF, 0xF0, 0x81, 0x82, 0x41}),
-       {R, R, R, R, R, R, R, R, u'A'}},
-      {"surrogates",
-       Bytes({0xED, 0xA0, 0x80, 0xED, 0xBF, 0xBF, 0xED, 0xAF, 0x41}),
-       {R, R, R, R, R, R, R, R, u'A'}},
-      {"beyond U+10FFFF and FF",
-       Bytes({0xF4, 0x91, 0x92, 0x93, 0xFF, 0x41, 0x80, 0xBF, 0x42}),
-       {R, R, R, R, R, u'A', R, R, u'B'}},
-      {"truncated sequences",
-       Bytes({0xE1, 0x80, 0xE2, 0xF0, 0x91, 0x92, 0xF1, 0xBF, 0x41}),
-       {R, R, R, R, u'A'}},
-      // Single faults.
-      {"C1 overlong", Bytes({0xC1, 0xBF}), {R, R}},
-      {"F5 lead", Bytes({0xF5, 0x80, 0x80, 0x80}), {R, R, R, R}},
-      {"E0 A0 is the first valid", Bytes({0xE0, 0x9F, 0xBF, 0xE0, 0xA0, 0x80}), {R, R, R, 0x0800}},
-      {"ED 9F is the last valid", Bytes({0xED, 0x9F, 0xBF, 0xED, 0xA0, 0x80}), {0xD7FF, R, R, R}},
-      {"F4 8F is the last valid",
-       Bytes({0xF4, 0x8F, 0xBF, 0xBF, 0xF4, 0x90, 0x80, 0x80}),
-       {0xDBFF, 0xDFFF, R, R, R, R}},
-      {"F0 90 is the first valid",
-       Bytes({0xF0, 0x8F, 0xBF, 0xBF, 0xF0, 0x90, 0x80, 0x80}),
-       {R, R, R, R, 0xD800, 0xDC00}},
-      {"NUL inside", Bytes({0x41, 0x00, 0x42}), {u'A', 0, u'B'}},
+      {"table 3-8", Bytes({0x61, 0xF1, 0x80, 0x80, 0xE1, 0x80, 0xC2, 0x62, 0x80, 0x63, 0x80, 0xBF, 0x64}),
+       {u'a', R, R, R, u'b', R, u'c', R, R, u'd'}, 1},
+      {"overlong", Bytes({0xC0, 0xAF, 0xE0, 0x80, 0xBF, 0xF0, 0x81, 0x82, 0x41}), {R, R, R, R, R, R, R, R, u'A'}, 0},
+      {"surrogates", Bytes({0xED, 0xA0, 0x80, 0xED, 0xBF, 0xBF, 0xED, 0xAF, 0x41}), {R, R, R, R, R, R, R, R, u'A'}, 0},
+      {"above U+10FFFF, FF, stray continuations", Bytes({0xF4, 0x91, 0x92, 0x93, 0xFF, 0x41, 0x80, 0xBF, 0x42}),
+       {R, R, R, R, R, u'A', R, R, u'B'}, 0},
+      {"truncated", Bytes({0xE1, 0x80, 0xE2, 0xF0, 0x91, 0x92, 0xF1, 0xBF, 0x41}), {R, R, R, R, u'A'}, 0},
+      // Cut by the end of an exactly sized buffer (ConvertExact): 2-, 3- and 4-byte sequences.
+      {"C3 at the end", Bytes({0x78, 0xC3}), {u'x', R}, 1},
+      {"E2 82 at the end", Bytes({0xE2, 0x82}), {R}, 0},
+      {"F0 9F 98 at the end", Bytes({0x78, 0xF0, 0x9F, 0x98}), {u'x', R}, 1},
+      {"empty", "", {}, 0},
+      {"C1 overlong", Bytes({0xC1, 0xBF}), {R, R}, 0},
+      {"F5 lead", Bytes({0xF5, 0x80, 0x80, 0x80}), {R, R, R, R}, 0},
+      {"E0 A0 is the first valid", Bytes({0xE0, 0x9F, 0xBF, 0xE0, 0xA0, 0x80}), {R, R, R, 0x0800}, 0},
+      {"ED 9F is the last valid", Bytes({0xED, 0x9F, 0xBF, 0xED, 0xA0, 0x80}), {0xD7FF, R, R, R}, 3},
+      {"F4 8F is the last valid", Bytes({0xF4, 0x8F, 0xBF, 0xBF, 0xF4, 0x90, 0x80, 0x80}),
+       {0xDBFF, 0xDFFF, R, R, R, R}, 4},
+      {"F0 90 is the first valid", Bytes({0xF0, 0x8F, 0xBF, 0xBF, 0xF0, 0x90, 0x80, 0x80}),
+       {R, R, R, R, 0xD800, 0xDC00}, 0},
+      {"NUL inside", Bytes({0x41, 0x00, 0x42}), {u'A', 0, u'B'}, 3},
   };
   for (const Case& c : cases) {
     EXPECT_EQ(ConvertExact(c.utf8), c.utf16) << c.what;
     EXPECT_EQ(Utf16Length(c.utf8), c.utf16.size()) << c.what;
+    EXPECT_EQ(ReplaceInvalidUtf8(c.utf8), Utf16ToUtf8(c.utf16)) << c.what;
+    EXPECT_EQ(ValidUtf8Prefix(c.utf8), c.validPrefix) << c.what;
   }
-}
-
-TEST(Utf16, SequenceCutByTheEndOfTheBufferIsOneReplacement) {
-  const std::string whole[] = {Bytes({0xC3, 0xA9}), Bytes({0xE2, 0x82, 0xAC}),
-                               Bytes({0xF0, 0x9F, 0x98, 0x80})};
-  for (const std::string& sequence : whole) {
-    for (std::size_t cut = 1; cut < sequence.size(); ++cut) {
-      const std::string text = std::string("x").append(sequence, 0, cut);
-      EXPECT_EQ(ConvertExact(text), (std::u16string{u'x', 0xFFFD}))
-          << sequence.size() << '/' << cut;
-      EXPECT_EQ(ConvertExact(sequence.substr(0, cut)), std::u16string(1, 0xFFFD));
-    }
-  }
-  EXPECT_EQ(ConvertExact(""), u"");
 }
 
 TEST(Utf16, UnpairedSurrogatesBecomeReplacements) {

@@ -15,27 +15,23 @@
 #include "velquor/io/cgats_writer.h"
 #include "velquor/io/csv_spectra.h"
 #include "velquor/io/spectral_grid_mapping.h"
+#include "velquor/frame/constants.h"
 #include "velquor/frame/numeric.h"
+#include "velquor/frame/utf8.h"
 
 namespace velquor {
 namespace {
 
 namespace fs = std::filesystem;
 
-void ExpectSameValues(const MeasurementFile& expected, const MeasurementFile& actual) {
-  EXPECT_EQ(actual.wavelengths, expected.wavelengths);
-  ASSERT_EQ(actual.samples.size(), expected.samples.size());
-  for (std::size_t s = 0; s < expected.samples.size(); ++s) {
-    const std::vector<double>& x = expected.samples[s].values;
-    const std::vector<double>& y = actual.samples[s].values;
-    ASSERT_EQ(y.size(), x.size());
-    for (std::size_t i = 0; i < x.size(); ++i) {
-      EXPECT_EQ(IsMissing(y[i]), IsMissing(x[i]));
-      if (!IsMissing(x[i])) {
-        EXPECT_EQ(y[i], x[i]);
-      }
-    }
+// The wavelengths and then every sample's values, each missing value as kMissing.
+std::vector<std::vector<double>> Table(const MeasurementFile& file) {
+  std::vector<std::vector<double>> table = {file.wavelengths};
+  for (const MeasurementSample& sample : file.samples) {
+    table.push_back(sample.values);
+    for (double& v : table.back()) v = IsMissing(v) ? kMissing : v;
   }
+  return table;
 }
 
 void CheckOutcome(const MeasurementStatus& status, const MeasurementFile& file, const std::string& name) {
@@ -45,7 +41,11 @@ void CheckOutcome(const MeasurementStatus& status, const MeasurementFile& file, 
     return;
   }
   EXPECT_FALSE(file.samples.empty());
-  for (const MeasurementSample& sample : file.samples) EXPECT_EQ(sample.values.size(), file.wavelengths.size());
+  for (const MeasurementSample& sample : file.samples) {
+    EXPECT_EQ(sample.values.size(), file.wavelengths.size());
+    for (const std::string& field : sample.fields) EXPECT_TRUE(IsValidUtf8(field));
+  }
+  for (const MeasurementColumn& column : file.columns) EXPECT_TRUE(IsValidUtf8(column.name));
   std::vector<MappedSample> mapped;
   const MeasurementStatus mapping = MapMeasurementFile(file, mapped);
   if (mapping.ok) {
@@ -57,12 +57,12 @@ void CheckOutcome(const MeasurementStatus& status, const MeasurementFile& file, 
   MeasurementFile cgats;
   const MeasurementStatus reread = ParseCgats(text, "rewritten", {}, cgats);
   ASSERT_TRUE(reread.ok) << reread.error.Message() << "\n" << text;
-  ExpectSameValues(file, cgats);
+  EXPECT_EQ(Table(cgats), Table(file));
   ASSERT_TRUE(FormatCsvSpectra(file, {}, text));
   MeasurementFile csv;
   const MeasurementStatus rereadCsv = ParseCsvSpectra(text, "rewritten", {}, csv);
   ASSERT_TRUE(rereadCsv.ok) << rereadCsv.error.Message() << "\n" << text;
-  ExpectSameValues(file, csv);
+  EXPECT_EQ(Table(csv), Table(file));
 }
 
 // Reads `text` as the fuzz target does: `selector` bit 6 delivers the lines from a source in

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <string>
@@ -9,6 +10,7 @@
 
 #include "velquor/io/csv_spectra.h"
 #include "velquor/frame/numeric.h"
+#include "tolerances.h"
 
 namespace velquor {
 namespace {
@@ -67,22 +69,36 @@ TEST(SpectralGridMapping, ColorCheckerIsSampledAndExtrapolatedAtTheShortEnd) {
   EXPECT_DOUBLE_EQ(mapped[0].curve[39], 43.60);
 }
 
-// Sprague's interpolant is exact for polynomials of degree up to 4 where two measured bands
-// lie on each side of the interval. Data on a 20 nm grid from 300 to 800 nm puts every grid
-// point in such an interval.
-TEST(SpectralGridMapping, SpragueReproducesCubicAndQuarticOn20nmData) {
-  const std::vector<double> wavelengths = Range(300.0, 20.0, 800.0);
-  const std::vector<std::function<double(double)>> polynomials = {
-      [](double w) { const double x = (w - 550.0) / 100.0; return 40.0 + 7.0 * x - 3.0 * x * x + 2.0 * x * x * x; },
-      [](double w) { const double x = (w - 500.0) / 100.0; return 30.0 - 5.0 * x + x * x * x - 1.5 * x * x * x * x; },
+// Each method is exact for the polynomials it can reproduce: Sprague (20 nm data from 300 to
+// 800 nm, two measured bands on each side of every grid point) for degree 4; the local cubic
+// (irregular data, or regular data too short for Sprague) for degree 3, degree 2 with three
+// bands. Descending wavelengths give the same curve.
+TEST(SpectralGridMapping, EachMethodReproducesItsPolynomials) {
+  const auto cubic = [](double w) { const double x = (w - 550.0) / 100.0; return 40.0 + 7.0 * x - 3.0 * x * x + 2.0 * x * x * x; };
+  const auto quartic = [](double w) { const double x = (w - 500.0) / 100.0; return 30.0 - 5.0 * x + x * x * x - 1.5 * x * x * x * x; };
+  const auto quadratic = [](double w) { const double x = (w - 500.0) / 100.0; return 20.0 + x - 4.0 * x * x; };
+  std::vector<double> down = Range(300.0, 20.0, 800.0);
+  std::reverse(down.begin(), down.end());
+  const struct {
+    std::vector<double> wavelengths;
+    std::function<double(double)> f;
+    GridMappingMethod method;
+  } kCases[] = {
+      {Range(300.0, 20.0, 800.0), cubic, GridMappingMethod::kSprague},
+      {Range(300.0, 20.0, 800.0), quartic, GridMappingMethod::kSprague},
+      {down, quartic, GridMappingMethod::kSprague},
+      {{360, 373, 395, 410, 452, 470, 505, 560, 600, 640, 690, 720, 750}, cubic, GridMappingMethod::kLagrange},
+      {{750, 720, 690, 640, 600, 560, 505, 470, 452, 410, 395, 373, 360}, cubic, GridMappingMethod::kLagrange},
+      {{360, 460, 560, 660, 760}, cubic, GridMappingMethod::kLagrange},
+      {{360, 555, 750}, quadratic, GridMappingMethod::kLagrange},
   };
-  for (const auto& f : polynomials) {
+  for (const auto& c : kCases) {
     SpectralGridMapping mapping;
-    const CKSData curve = Map(wavelengths, Sampled(wavelengths, f), &mapping);
-    EXPECT_EQ(mapping.Method(), GridMappingMethod::kSprague);
+    const CKSData curve = Map(c.wavelengths, Sampled(c.wavelengths, c.f), &mapping);
+    EXPECT_EQ(mapping.Method(), c.method) << c.wavelengths.front();
     EXPECT_TRUE(mapping.ExtrapolatedWavelengths().empty());
     for (std::size_t i = 0; i < kSpectrumPoints; ++i) {
-      EXPECT_NEAR(curve[i], f(GridNm(i)), 1e-9 * std::fabs(f(GridNm(i)))) << GridNm(i);
+      EXPECT_NEAR(curve[i], c.f(GridNm(i)), test::kIndependent * std::fabs(c.f(GridNm(i)))) << GridNm(i);
     }
   }
 }
@@ -103,35 +119,12 @@ TEST(SpectralGridMapping, SpragueBoundaryEstimatesMatchExactFractions) {
                 {470, 14869.0 / 1216.0}, {490, 6183.0 / 304.0}};
   for (const auto& c : kCases) {
     const auto i = static_cast<std::size_t>((c.nm - 360.0) / 10.0);
-    EXPECT_NEAR(curve[i], c.expected, 1e-12 * c.expected) << c.nm;
+    EXPECT_NEAR(curve[i], c.expected, test::kExactFormula * c.expected) << c.nm;
   }
   // Straight lines survive the boundary estimates everywhere.
   const auto line = [](double w) { return 3.0 + 0.25 * w; };
   const CKSData straight = Map(wavelengths, Sampled(wavelengths, line));
-  for (std::size_t i = 4; i <= 14; ++i) EXPECT_NEAR(straight[i], line(GridNm(i)), 1e-10 * line(GridNm(i)));
-}
-
-// Irregular data and short regular data use the local cubic, exact for cubics (quadratics
-// with three bands).
-TEST(SpectralGridMapping, LagrangeReproducesCubicOnIrregularData) {
-  const auto cubic = [](double w) { const double x = (w - 500.0) / 100.0; return 20.0 + x - 4.0 * x * x + 3.0 * x * x * x; };
-  const auto quadratic = [](double w) { const double x = (w - 500.0) / 100.0; return 20.0 + x - 4.0 * x * x; };
-  const struct {
-    std::vector<double> wavelengths;
-    std::function<double(double)> f;
-  } kCases[] = {
-      {{360, 373, 395, 410, 452, 470, 505, 560, 600, 640, 690, 720, 750}, cubic},
-      {{360, 460, 560, 660, 760}, cubic},  // regular but too short for Sprague
-      {{360, 555, 750}, quadratic},
-  };
-  for (const auto& c : kCases) {
-    SpectralGridMapping mapping;
-    const CKSData curve = Map(c.wavelengths, Sampled(c.wavelengths, c.f), &mapping);
-    EXPECT_EQ(mapping.Method(), GridMappingMethod::kLagrange);
-    for (std::size_t i = 0; i < kSpectrumPoints; ++i) {
-      EXPECT_NEAR(curve[i], c.f(GridNm(i)), 1e-9 * std::fabs(c.f(GridNm(i))) + 1e-12) << GridNm(i);
-    }
-  }
+  for (std::size_t i = 4; i <= 14; ++i) EXPECT_NEAR(straight[i], line(GridNm(i)), test::kRoundTrip * line(GridNm(i)));
 }
 
 // Extrapolation repeats the end values, and a band exactly at a grid end is not extrapolated.
@@ -159,15 +152,6 @@ TEST(SpectralGridMapping, ExtrapolationRepeatsTheNearestMeasuredValue) {
       EXPECT_EQ(mapping.IsExtrapolated(i), nm < c.first || nm > c.last) << nm;
     }
   }
-}
-
-TEST(SpectralGridMapping, DescendingWavelengthsGiveTheSameCurve) {
-  const std::vector<double> up = Range(380.0, 20.0, 780.0);
-  const std::vector<double> down(up.rbegin(), up.rend());
-  const auto f = [](double w) { return 50.0 + 20.0 * std::sin(w / 60.0); };
-  const CKSData a = Map(up, Sampled(up, f));
-  const CKSData b = Map(down, Sampled(down, f));
-  for (std::size_t i = 0; i < kSpectrumPoints; ++i) EXPECT_NEAR(a[i], b[i], 1e-12) << GridNm(i);
 }
 
 TEST(SpectralGridMapping, RefusesWavelengthSetsThatCannotBeMapped) {

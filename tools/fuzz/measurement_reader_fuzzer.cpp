@@ -2,6 +2,7 @@
 // writers. Besides crashes and sanitizer reports it traps on broken promises:
 //  - a file that reads has samples, and every sample one value per wavelength;
 //  - a failure carries a message naming the input;
+//  - every text read (column names, fields, keywords) is valid UTF-8;
 //  - what reads writes out (CGATS and CSV) and reads back with the same samples and values.
 // The first input byte picks how the lines are delivered: from memory, or from a source in
 // blocks of 1 to 64 bytes, so that lines cross block boundaries.
@@ -16,6 +17,7 @@
 #include "velquor/io/csv_spectra.h"
 #include "velquor/io/spectral_grid_mapping.h"
 #include "velquor/frame/numeric.h"
+#include "velquor/frame/utf8.h"
 
 namespace {
 
@@ -49,7 +51,10 @@ void CheckRead(const MeasurementStatus& status, const MeasurementFile& file) {
   for (const MeasurementSample& sample : file.samples) {
     Check(sample.values.size() == file.wavelengths.size());
     Check(sample.fields.size() == file.fieldCount);
+    for (const std::string& field : sample.fields) Check(IsValidUtf8(field));
   }
+  for (const MeasurementColumn& column : file.columns) Check(IsValidUtf8(column.name));
+  for (const CgatsKeyword& keyword : file.keywords) Check(IsValidUtf8(keyword.name) && IsValidUtf8(keyword.value));
   std::vector<MappedSample> mapped;
   SpectralGridMapping mapping;
   if (MapMeasurementFile(file, mapped, &mapping).ok) {

@@ -2,50 +2,15 @@
 
 #include <cstdint>
 
+#include "velquor/frame/utf8.h"
+
 namespace velquor {
 namespace {
 
 struct Decoded {
   char32_t value;      // the scalar value, or U+FFFD
-  std::size_t length;  // bytes or code units consumed, at least 1
+  std::size_t length;  // code units consumed, at least 1
 };
-
-// Decodes the character that starts at s[i] (i < n). Byte ranges are those of well-formed
-// UTF-8 (Unicode Standard, table 3-7): the second byte of E0, ED, F0 and F4 sequences is
-// narrowed to exclude overlong forms, surrogates and values above U+10FFFF. An ill-formed
-// sequence consumes its maximal subpart: the longest prefix that could still have begun a
-// well-formed sequence, or one byte.
-Decoded DecodeUtf8(const unsigned char* s, std::size_t n, std::size_t i) {
-  const unsigned char lead = s[i];
-  if (lead < 0x80) return {lead, 1};
-  std::size_t length = 0;
-  unsigned char low = 0x80;
-  unsigned char high = 0xBF;
-  char32_t value = 0;
-  if (lead >= 0xC2 && lead <= 0xDF) {
-    length = 2;
-    value = lead & 0x1Fu;
-  } else if (lead >= 0xE0 && lead <= 0xEF) {
-    length = 3;
-    value = lead & 0x0Fu;
-    if (lead == 0xE0) low = 0xA0;   // below: overlong
-    if (lead == 0xED) high = 0x9F;  // above: surrogates U+D800..U+DFFF
-  } else if (lead >= 0xF0 && lead <= 0xF4) {
-    length = 4;
-    value = lead & 0x07u;
-    if (lead == 0xF0) low = 0x90;   // below: overlong
-    if (lead == 0xF4) high = 0x8F;  // above: beyond U+10FFFF
-  } else {
-    return {kReplacementCharacter, 1};  // continuation byte, C0, C1 or F5..FF
-  }
-  for (std::size_t k = 1; k < length; ++k) {
-    if (i + k >= n) return {kReplacementCharacter, k};  // truncated by the end of the text
-    const unsigned char c = s[i + k];
-    if (c < (k == 1 ? low : 0x80) || c > (k == 1 ? high : 0xBF)) return {kReplacementCharacter, k};
-    value = (value << 6) | (c & 0x3Fu);
-  }
-  return {value, length};
-}
 
 Decoded DecodeUtf16(std::u16string_view s, std::size_t i) {
   const char16_t unit = s[i];
@@ -89,16 +54,12 @@ void EncodeUtf8(char32_t value, char* out) {
   }
 }
 
-const unsigned char* Bytes(std::string_view text) {
-  return reinterpret_cast<const unsigned char*>(text.data());
-}
-
 }  // namespace
 
 std::size_t Utf16Length(std::string_view utf8) {
   std::size_t units = 0;
   for (std::size_t i = 0; i < utf8.size();) {
-    const Decoded d = DecodeUtf8(Bytes(utf8), utf8.size(), i);
+    const Utf8Decoded d = DecodeUtf8(utf8, i);
     units += Utf16Units(d.value);
     i += d.length;
   }
@@ -108,7 +69,7 @@ std::size_t Utf16Length(std::string_view utf8) {
 std::size_t Utf8ToUtf16(std::string_view utf8, std::span<char16_t> out) {
   std::size_t written = 0;
   for (std::size_t i = 0; i < utf8.size();) {
-    const Decoded d = DecodeUtf8(Bytes(utf8), utf8.size(), i);
+    const Utf8Decoded d = DecodeUtf8(utf8, i);
     if (out.size() - written < Utf16Units(d.value)) break;
     if (d.value >= 0x10000) {
       const char32_t v = d.value - 0x10000;

@@ -4,7 +4,7 @@
 // Both directions round-trip every Unicode scalar value (U+0000..U+D7FF, U+E000..U+10FFFF);
 // characters above U+FFFF become surrogate pairs. Ill-formed input never stops a conversion
 // and is never read past its end:
-//  - UTF-8: each maximal subpart of an ill-formed sequence (Unicode Standard, section 3.9,
+//  - UTF-8 (decoded by DecodeUtf8 of frame/utf8.h): each maximal subpart of an ill-formed sequence (Unicode Standard, section 3.9,
 //    "U+FFFD Substitution of Maximal Subparts") becomes one U+FFFD: a truncated sequence, an
 //    overlong form, an encoded surrogate, a value above U+10FFFF or a stray continuation byte;
 //  - UTF-16: each unpaired surrogate becomes one U+FFFD.
@@ -15,10 +15,9 @@
 #include <string>
 #include <string_view>
 
-namespace velquor {
+#include "velquor/frame/utf8.h"  // kReplacementCharacter
 
-// The replacement character U+FFFD.
-inline constexpr char32_t kReplacementCharacter = 0xFFFD;
+namespace velquor {
 
 // Number of UTF-16 code units that `utf8` converts to.
 std::size_t Utf16Length(std::string_view utf8);

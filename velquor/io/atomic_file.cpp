@@ -4,14 +4,8 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
-#include <filesystem>
-#include <system_error>
 
-#if defined(__unix__) || defined(__APPLE__)
-#include <fcntl.h>
-#include <unistd.h>
-#define VELQUOR_ATOMIC_FILE_POSIX 1
-#endif
+#include "velquor/io/atomic_file_platform.h"
 
 namespace velquor {
 
@@ -25,27 +19,11 @@ std::atomic<unsigned> gTemporaryCounter{0};
 std::string TemporaryName(const std::string& path, int attempt) {
   const auto ticks = static_cast<unsigned long long>(
       std::chrono::steady_clock::now().time_since_epoch().count());
-  unsigned long long process = 0;
-#ifdef VELQUOR_ATOMIC_FILE_POSIX
-  process = static_cast<unsigned long long>(::getpid());
-#endif
+  const unsigned long long process = atomic_file_platform::ProcessNumber();
   const unsigned counter = gTemporaryCounter.fetch_add(1);
   return path + ".tmp." + std::to_string(process) + "." + std::to_string(counter) + "." +
          std::to_string((ticks + static_cast<unsigned long long>(attempt)) % 1000000);
 }
-
-#ifdef VELQUOR_ATOMIC_FILE_POSIX
-// Makes the rename itself durable: the folder's entry is flushed too.
-void SyncFolderOf(const std::string& path) {
-  std::filesystem::path folder = std::filesystem::path(path).parent_path();
-  if (folder.empty()) folder = ".";
-  const int fd = ::open(folder.c_str(), O_RDONLY);
-  if (fd >= 0) {
-    ::fsync(fd);
-    ::close(fd);
-  }
-}
-#endif
 
 }  // namespace
 
@@ -93,33 +71,25 @@ bool AtomicFile::Commit(std::string& error) noexcept {
     ok = false;
     reason = errno;
   }
-#ifdef VELQUOR_ATOMIC_FILE_POSIX
-  if (ok && ::fsync(::fileno(file_)) != 0) {
-    ok = false;
-    reason = errno;
+  if (ok) {
+    reason = atomic_file_platform::SyncFile(file_);
+    ok = reason == 0;
   }
-#endif
   if (std::fclose(file_) != 0 && ok) {
     ok = false;
     reason = errno;
   }
   file_ = nullptr;
   if (ok) {
-    std::error_code code;
-    std::filesystem::rename(temporaryPath_, path_, code);
-    if (code) {
-      ok = false;
-      reason = code.value();
-    }
+    reason = atomic_file_platform::ReplaceFile(temporaryPath_, path_);
+    ok = reason == 0;
   }
   if (!ok) {
     error = std::strerror(reason != 0 ? reason : EIO);
     Discard();
     return false;
   }
-#ifdef VELQUOR_ATOMIC_FILE_POSIX
-  SyncFolderOf(path_);
-#endif
+  atomic_file_platform::SyncFolderOf(path_);
   temporaryPath_.clear();
   return true;
 }

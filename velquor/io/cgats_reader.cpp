@@ -15,9 +15,6 @@ namespace {
 
 namespace text = measurement_text;
 
-// Longest piece of a bad value quoted back in a message.
-constexpr std::size_t kQuotedValueLimit = 40;
-
 struct Token {
   std::string_view text;  // without quotes
   std::size_t begin = 0;  // offset in the line, quotes included
@@ -69,11 +66,6 @@ bool ParseCount(std::string_view digits, std::size_t& value) {
   return ec == std::errc() && end == digits.data() + digits.size();
 }
 
-std::string Shorten(std::string_view value) {
-  if (value.size() <= kQuotedValueLimit) return std::string(value);
-  return std::string(value.substr(0, kQuotedValueLimit)) + "...";
-}
-
 class CgatsParser {
  public:
   CgatsParser(LineReader& reader, const std::string& source, MeasurementFile& out)
@@ -89,7 +81,7 @@ class CgatsParser {
   }
   MeasurementStatus HeaderLine(std::string_view line);
   MeasurementStatus FinishFormat();
-  MeasurementStatus DataRow(std::string_view line);
+  MeasurementStatus DataRow();
   MeasurementStatus CheckColumnCount() const {
     if (fieldNames_.size() <= kMaxColumns) return {};
     return Fail(reader_.LineNumber(), FormatMeasurementText(text::kTooManyColumns, {std::to_string(kMaxColumns)}));
@@ -102,6 +94,7 @@ class CgatsParser {
   LineReader& reader_;
   const std::string& source_;
   MeasurementFile& out_;
+  std::string repaired_;  // the current line when it needed RepairUtf8Line
   std::vector<Token> tokens_;
   std::size_t tokenCount_ = 0;
   std::size_t lastEnd_ = 0;
@@ -151,7 +144,7 @@ MeasurementStatus CgatsParser::HeaderLine(std::string_view line) {
       if (tokenCount_ != 2 || !ParseCount(value, count)) {
         const std::string_view rest =
             tokenCount_ > 1 ? line.substr(tokens_[1].begin, lastEnd_ - tokens_[1].begin) : std::string_view();
-        return Fail(lineNumber, FormatMeasurementText(text::kNotWholeNumber, {word, Shorten(rest)}));
+        return Fail(lineNumber, FormatMeasurementText(text::kNotWholeNumber, {word, ShortenForMessage(rest)}));
       }
       if (word == "NUMBER_OF_FIELDS") {
         declaredFields_ = count;
@@ -182,63 +175,31 @@ MeasurementStatus CgatsParser::FinishFormat() {
   }
   // Hash lookups keep the checks linear in the number of columns.
   std::unordered_set<std::string_view> names;
-  std::unordered_map<double, std::size_t> columnOfWavelength;
+  std::unordered_map<double, std::size_t> wavelengthColumns;
   for (std::size_t i = 0; i < fieldNames_.size(); ++i) {
     const std::string& name = fieldNames_[i];
     if (!names.insert(name).second) {
       return Fail(fieldLines_[i], FormatMeasurementText(text::kDuplicateColumn, {name}));
     }
-    MeasurementColumn column;
-    column.name = name;
-    double nm = 0.0;
-    if (ParseSpectralColumnName(name, false, nm)) {
-      const auto [at, added] = columnOfWavelength.emplace(nm, i);
-      if (!added) {
-        return Fail(fieldLines_[i], FormatMeasurementText(text::kDuplicateWavelengthColumn,
-                                                      {FormatMeasurementNumber(nm), fieldNames_[at->second], name}));
-      }
-      column.spectral = true;
-      column.index = out_.wavelengths.size();
-      out_.wavelengths.push_back(nm);
-    } else {
-      column.index = out_.fieldCount++;
-      if (name == "SAMPLE_ID") out_.idField = static_cast<std::ptrdiff_t>(column.index);
-      if (name == "SAMPLE_NAME") out_.nameField = static_cast<std::ptrdiff_t>(column.index);
-    }
-    out_.columns.push_back(std::move(column));
+    const MeasurementStatus added = AddReadColumn(out_, name, false, fieldLines_[i], wavelengthColumns);
+    if (!added) return added;
+    const MeasurementColumn& column = out_.columns.back();
+    if (column.spectral) continue;
+    if (name == "SAMPLE_ID") out_.idField = static_cast<std::ptrdiff_t>(column.index);
+    if (name == "SAMPLE_NAME") out_.nameField = static_cast<std::ptrdiff_t>(column.index);
   }
   if (out_.wavelengths.empty()) return Fail(out_.formatLine, FormatMeasurementText(text::kNoSpectralColumns));
   state_ = State::kHeader;
   return {};
 }
 
-MeasurementStatus CgatsParser::DataRow(std::string_view /*line*/) {
+MeasurementStatus CgatsParser::DataRow() {
   const std::size_t lineNumber = reader_.LineNumber();
   if (tokenCount_ != out_.columns.size()) {
     return Fail(lineNumber, FormatMeasurementText(text::kRowFieldCount,
                                                   {std::to_string(tokenCount_), std::to_string(out_.columns.size())}));
   }
-  MeasurementSample sample;
-  sample.line = lineNumber;
-  sample.fields.resize(out_.fieldCount);
-  sample.values.resize(out_.wavelengths.size());
-  for (std::size_t i = 0; i < tokens_.size(); ++i) {
-    const MeasurementColumn& column = out_.columns[i];
-    const Token& token = tokens_[i];
-    if (!column.spectral) {
-      sample.fields[column.index] = std::string(token.text);
-      continue;
-    }
-    double value = 0.0;
-    if (IsMissingValueText(token.text)) {
-      value = kMissing;
-    } else if (!ParseMeasurementNumber(token.text, false, value)) {
-      return Fail(lineNumber, FormatMeasurementText(text::kNotANumber, {column.name, Shorten(token.text)}));
-    }
-    sample.values[column.index] = value;
-  }
-  out_.samples.push_back(std::move(sample));
-  return {};
+  return AddReadSample(out_, lineNumber, false, [this](std::size_t i) { return tokens_[i].text; });
 }
 
 MeasurementStatus CgatsParser::Run(const ReadOptions& options) {
@@ -247,6 +208,7 @@ MeasurementStatus CgatsParser::Run(const ReadOptions& options) {
     const LineReader::Status status = reader_.Next(line);
     if (status == LineReader::Status::kEnd) break;
     if (status != LineReader::Status::kLine) return LineReaderFailure(reader_, status, source_);
+    line = RepairUtf8Line(line, reader_.LineNumber(), repaired_, out_);
     const std::size_t limit = state_ == State::kData ? out_.columns.size() + 1 : kMaxColumns + 2;
     if (!Tokenize(line, limit, tokens_, tokenCount_, lastEnd_)) {
       return Fail(reader_.LineNumber(), FormatMeasurementText(text::kUnclosedQuote));
@@ -279,7 +241,7 @@ MeasurementStatus CgatsParser::Run(const ReadOptions& options) {
           }
           state_ = State::kAfter;
         } else {
-          result = DataRow(line);
+          result = DataRow();
         }
         break;
       case State::kAfter:
@@ -309,25 +271,17 @@ MeasurementStatus CgatsParser::Run(const ReadOptions& options) {
 
 MeasurementStatus ReadCgats(LineReader& reader, const std::string& source, const ReadOptions& options,
                             MeasurementFile& out) noexcept {
-  return ReadWithoutThrowing(source, [&]() {
-    out = MeasurementFile();
-    out.source = source;
-    out.format = MeasurementFormat::kCgats;
-    CgatsParser parser(reader, source, out);
-    return parser.Run(options);
-  });
+  return ReadIntoMeasurementFile(source, MeasurementFormat::kCgats, out,
+                                 [&]() { return CgatsParser(reader, source, out).Run(options); });
 }
 
 MeasurementStatus ParseCgats(std::string_view text, const std::string& source, const ReadOptions& options,
                              MeasurementFile& out) noexcept {
-  LineReader reader(text);
-  return ReadCgats(reader, source, options, out);
+  return ParseMeasurementText(&ReadCgats, text, source, options, out);
 }
 
 MeasurementStatus ReadCgatsFile(const std::string& path, const ReadOptions& options, MeasurementFile& out) noexcept {
-  return ReadWithoutThrowing(path, [&]() {
-    return ReadLinesOfFile(path, [&](LineReader& reader) { return ReadCgats(reader, path, options, out); });
-  });
+  return ReadMeasurementFileWith(&ReadCgats, path, options, out);
 }
 
 }  // namespace velquor

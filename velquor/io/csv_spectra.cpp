@@ -16,13 +16,6 @@ namespace {
 
 namespace text = measurement_text;
 
-constexpr std::size_t kQuotedValueLimit = 40;
-
-std::string Shorten(std::string_view value) {
-  if (value.size() <= kQuotedValueLimit) return std::string(value);
-  return std::string(value.substr(0, kQuotedValueLimit)) + "...";
-}
-
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 
 std::string_view Trim(std::string_view s, char delimiter) {
@@ -146,6 +139,7 @@ class CsvParser {
   LineReader& reader_;
   const std::string& source_;
   MeasurementFile& out_;
+  std::string repaired_;  // the current line when it needed RepairUtf8Line
   char delimiter_ = ',';
   std::vector<std::string_view> fields_;
   std::deque<std::string> store_;
@@ -162,28 +156,15 @@ MeasurementStatus CsvParser::Header(std::string_view line) {
   if (count > kMaxColumns) {
     return Fail(lineNumber, FormatMeasurementText(text::kTooManyColumns, {std::to_string(kMaxColumns)}));
   }
-  std::unordered_map<double, std::size_t> columnOfWavelength;
-  for (std::size_t i = 0; i < fields_.size(); ++i) {
-    MeasurementColumn column;
-    column.name = std::string(fields_[i]);
-    double nm = 0.0;
-    if (ParseSpectralColumnName(column.name, true, nm)) {
-      const auto [at, added] = columnOfWavelength.emplace(nm, i);
-      if (!added) {
-        return Fail(lineNumber,
-                    FormatMeasurementText(text::kDuplicateWavelengthColumn,
-                                          {FormatMeasurementNumber(nm), out_.columns[at->second].name, column.name}));
-      }
-      column.spectral = true;
-      column.index = out_.wavelengths.size();
-      out_.wavelengths.push_back(nm);
-    } else {
-      column.index = out_.fieldCount++;
-      const auto field = static_cast<std::ptrdiff_t>(column.index);
-      if (out_.nameField < 0 && IsOneOfNoCase(column.name, {"SAMPLE_NAME", "NAME", "SAMPLE"})) out_.nameField = field;
-      if (out_.idField < 0 && IsOneOfNoCase(column.name, {"SAMPLE_ID", "ID"})) out_.idField = field;
-    }
-    out_.columns.push_back(std::move(column));
+  std::unordered_map<double, std::size_t> wavelengthColumns;
+  for (const std::string_view name : fields_) {
+    const MeasurementStatus added = AddReadColumn(out_, std::string(name), true, lineNumber, wavelengthColumns);
+    if (!added) return added;
+    const MeasurementColumn& column = out_.columns.back();
+    if (column.spectral) continue;
+    const auto field = static_cast<std::ptrdiff_t>(column.index);
+    if (out_.nameField < 0 && IsOneOfNoCase(column.name, {"SAMPLE_NAME", "NAME", "SAMPLE"})) out_.nameField = field;
+    if (out_.idField < 0 && IsOneOfNoCase(column.name, {"SAMPLE_ID", "ID"})) out_.idField = field;
   }
   if (out_.wavelengths.empty()) return Fail(lineNumber, FormatMeasurementText(text::kCsvNoWavelengths));
   if (out_.nameField < 0 && out_.idField < 0 && out_.fieldCount > 0) out_.nameField = 0;
@@ -200,27 +181,7 @@ MeasurementStatus CsvParser::Row(std::string_view line) {
     return Fail(lineNumber, FormatMeasurementText(text::kCsvRowFieldCount,
                                                   {std::to_string(count), std::to_string(out_.columns.size())}));
   }
-  MeasurementSample sample;
-  sample.line = lineNumber;
-  sample.fields.resize(out_.fieldCount);
-  sample.values.resize(out_.wavelengths.size());
-  const bool decimalComma = delimiter_ != ',';
-  for (std::size_t i = 0; i < fields_.size(); ++i) {
-    const MeasurementColumn& column = out_.columns[i];
-    if (!column.spectral) {
-      sample.fields[column.index] = std::string(fields_[i]);
-      continue;
-    }
-    double value = 0.0;
-    if (IsMissingValueText(fields_[i])) {
-      value = kMissing;
-    } else if (!ParseMeasurementNumber(fields_[i], decimalComma, value)) {
-      return Fail(lineNumber, FormatMeasurementText(text::kNotANumber, {column.name, Shorten(fields_[i])}));
-    }
-    sample.values[column.index] = value;
-  }
-  out_.samples.push_back(std::move(sample));
-  return {};
+  return AddReadSample(out_, lineNumber, delimiter_ != ',', [this](std::size_t i) { return fields_[i]; });
 }
 
 MeasurementStatus CsvParser::Run(const ReadOptions& options) {
@@ -230,6 +191,7 @@ MeasurementStatus CsvParser::Run(const ReadOptions& options) {
     const LineReader::Status status = reader_.Next(line);
     if (status == LineReader::Status::kEnd) break;
     if (status != LineReader::Status::kLine) return LineReaderFailure(reader_, status, source_);
+    line = RepairUtf8Line(line, reader_.LineNumber(), repaired_, out_);
     if (IsBlankLine(line)) continue;
     MeasurementStatus result;
     if (!haveHeader) {
@@ -290,26 +252,18 @@ std::string SpectralColumnName(const MeasurementFile& file, const MeasurementCol
 
 MeasurementStatus ReadCsvSpectra(LineReader& reader, const std::string& source, const ReadOptions& options,
                                  MeasurementFile& out) noexcept {
-  return ReadWithoutThrowing(source, [&]() {
-    out = MeasurementFile();
-    out.source = source;
-    out.format = MeasurementFormat::kCsv;
-    CsvParser parser(reader, source, out);
-    return parser.Run(options);
-  });
+  return ReadIntoMeasurementFile(source, MeasurementFormat::kCsv, out,
+                                 [&]() { return CsvParser(reader, source, out).Run(options); });
 }
 
 MeasurementStatus ParseCsvSpectra(std::string_view text, const std::string& source, const ReadOptions& options,
                                   MeasurementFile& out) noexcept {
-  LineReader reader(text);
-  return ReadCsvSpectra(reader, source, options, out);
+  return ParseMeasurementText(&ReadCsvSpectra, text, source, options, out);
 }
 
 MeasurementStatus ReadCsvSpectraFile(const std::string& path, const ReadOptions& options,
                                      MeasurementFile& out) noexcept {
-  return ReadWithoutThrowing(path, [&]() {
-    return ReadLinesOfFile(path, [&](LineReader& reader) { return ReadCsvSpectra(reader, path, options, out); });
-  });
+  return ReadMeasurementFileWith(&ReadCsvSpectra, path, options, out);
 }
 
 bool FormatCsvSpectra(const MeasurementFile& file, const CsvWriteOptions& options, std::string& out) noexcept {

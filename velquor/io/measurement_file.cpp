@@ -14,6 +14,7 @@
 #include "velquor/frame/constants.h"
 #include "velquor/frame/numeric.h"
 #include "velquor/frame/resources.h"
+#include "velquor/frame/utf8.h"
 
 namespace velquor {
 
@@ -151,7 +152,8 @@ void AppendMeasurementNumber(std::string& out, double value) {
 }
 
 std::string FormatMeasurementText(std::uint32_t id, std::initializer_list<std::string_view> args) {
-  const std::string pattern = LoadStringResource(id);
+  std::string pattern;
+  LoadStringResource(id, pattern);
   std::string text;
   text.reserve(pattern.size() + 32);
   for (std::size_t i = 0; i < pattern.size(); ++i) {
@@ -212,9 +214,42 @@ std::string MeasurementFile::DescribeScale() const {
   return FormatMeasurementText(id, {FormatMeasurementNumber(largestValue)});
 }
 
+namespace {
+
+// The scale read: the detection rule of kPercentDetectionQuantile over `values`, which it
+// reorders.
+ReflectanceScale DetectScale(std::vector<double>& values) {
+  if (values.empty()) return ReflectanceScale::kFraction;
+  const auto rank = static_cast<std::size_t>(std::ceil(kPercentDetectionQuantile * static_cast<double>(values.size())));
+  const auto at = values.begin() + static_cast<std::ptrdiff_t>(std::max<std::size_t>(rank, 1) - 1);
+  std::nth_element(values.begin(), at, values.end());
+  return *at > kPercentDetectionThreshold ? ReflectanceScale::kPercent : ReflectanceScale::kFraction;
+}
+
+// A note naming the first sample whose largest value looks like the other scale, when the
+// samples do not all look alike; `largest` holds each sample's largest value (missing: none).
+void NoteScaleDisagreement(MeasurementFile& file, const std::vector<double>& largest) {
+  const bool percent = file.scale == ReflectanceScale::kPercent;
+  std::size_t looksPercent = 0, looksFraction = 0, first = largest.size(), disagreeing = 0;
+  for (std::size_t s = 0; s < largest.size(); ++s) {
+    if (IsMissing(largest[s])) continue;
+    const bool samplePercent = largest[s] > kPercentDetectionThreshold;
+    ++(samplePercent ? looksPercent : looksFraction);
+    if (samplePercent == percent) continue;
+    if (disagreeing++ == 0) first = s;
+  }
+  if (looksPercent == 0 || looksFraction == 0) return;
+  const std::uint32_t id = percent ? measurement_text::kLooksLikeFraction : measurement_text::kLooksLikePercent;
+  file.notes.push_back({file.samples[first].line,
+                        FormatMeasurementText(id, {file.SampleLabel(first), FormatMeasurementNumber(largest[first]),
+                                                   std::to_string(disagreeing), std::to_string(largest.size())})});
+}
+
+}  // namespace
+
 void FinishMeasurementFile(MeasurementFile& file, ReflectanceScale requested) {
-  double largest = 0.0;
-  bool any = false;
+  std::vector<double> all;
+  std::vector<double> largestOfSample(file.samples.size(), kMissing);
   for (std::size_t s = 0; s < file.samples.size(); ++s) {
     std::string missing;
     for (std::size_t i = 0; i < file.samples[s].values.size(); ++i) {
@@ -224,8 +259,8 @@ void FinishMeasurementFile(MeasurementFile& file, ReflectanceScale requested) {
         missing += FormatWavelength(file.wavelengths[i]);
         continue;
       }
-      if (!any || v > largest) largest = v;
-      any = true;
+      if (IsMissing(largestOfSample[s]) || v > largestOfSample[s]) largestOfSample[s] = v;
+      all.push_back(v);
     }
     if (!missing.empty()) {
       file.notes.push_back(
@@ -233,26 +268,10 @@ void FinishMeasurementFile(MeasurementFile& file, ReflectanceScale requested) {
            FormatMeasurementText(measurement_text::kMissingValues, {file.SampleLabel(s), missing})});
     }
   }
-  file.largestValue = largest;
-  if (requested == ReflectanceScale::kAuto) {
-    file.scale = largest > kPercentDetectionThreshold ? ReflectanceScale::kPercent : ReflectanceScale::kFraction;
-    file.scaleDetected = true;
-  } else {
-    file.scale = requested;
-    file.scaleDetected = false;
-  }
-}
-
-void SetMeasurementScale(MeasurementFile& file, ReflectanceScale scale) {
-  if (scale == ReflectanceScale::kAuto || scale == file.scale) return;
-  const double factor = scale == ReflectanceScale::kPercent ? 100.0 : 0.01;
-  for (MeasurementSample& sample : file.samples) {
-    for (double& v : sample.values) {
-      if (!IsMissing(v)) v *= factor;
-    }
-  }
-  if (!IsMissing(file.largestValue)) file.largestValue *= factor;
-  file.scale = scale;
+  file.largestValue = all.empty() ? 0.0 : *std::max_element(all.begin(), all.end());
+  file.scaleDetected = requested == ReflectanceScale::kAuto;
+  file.scale = file.scaleDetected ? DetectScale(all) : requested;
+  NoteScaleDisagreement(file, largestOfSample);
 }
 
 void AddMeasurementColumn(MeasurementFile& file, std::string name, const std::vector<std::string>& values) {
@@ -288,6 +307,18 @@ MeasurementStatus LineReaderFailure(const LineReader& reader, LineReader::Status
   return MeasurementStatus::Failure(source, 0, FormatMeasurementText(measurement_text::kEmptyFile));
 }
 
+std::string_view RepairUtf8Line(std::string_view line, std::size_t lineNumber, std::string& buffer,
+                                MeasurementFile& file) {
+  if (IsValidUtf8(line)) return line;
+  buffer = ReplaceInvalidUtf8(line);
+  if (file.invalidUtf8Line == 0) {
+    file.invalidUtf8Line = lineNumber;
+    file.notes.push_back(
+        {lineNumber, FormatMeasurementText(measurement_text::kInvalidUtf8, {file.source, std::to_string(lineNumber)})});
+  }
+  return buffer;
+}
+
 MeasurementStatus ReadLinesOfFile(const std::string& path,
                                   const std::function<MeasurementStatus(LineReader&)>& read) {
   std::FILE* file = std::fopen(path.c_str(), "rb");
@@ -299,6 +330,87 @@ MeasurementStatus ReadLinesOfFile(const std::string& path,
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> closer(file, &std::fclose);
   LineReader reader(file);
   return read(reader);
+}
+
+std::string ShortenForMessage(std::string_view value) {
+  constexpr std::size_t kLimit = 40;
+  if (value.size() <= kLimit) return std::string(value);
+  std::size_t cut = kLimit;
+  while (cut > 0 && (static_cast<unsigned char>(value[cut]) & 0xC0) == 0x80) --cut;  // a continuation byte
+  return std::string(value.substr(0, cut)) + "...";
+}
+
+MeasurementStatus AddReadColumn(MeasurementFile& file, std::string name, bool allowPlain, std::size_t line,
+                                std::unordered_map<double, std::size_t>& wavelengthColumns) {
+  MeasurementColumn column;
+  column.name = std::move(name);
+  double nm = 0.0;
+  if (ParseSpectralColumnName(column.name, allowPlain, nm)) {
+    const auto [at, added] = wavelengthColumns.emplace(nm, file.columns.size());
+    if (!added) {
+      return MeasurementStatus::Failure(
+          file.source, line,
+          FormatMeasurementText(measurement_text::kDuplicateWavelengthColumn,
+                                {FormatMeasurementNumber(nm), file.columns[at->second].name, column.name}));
+    }
+    column.spectral = true;
+    column.index = file.wavelengths.size();
+    file.wavelengths.push_back(nm);
+  } else {
+    column.index = file.fieldCount++;
+  }
+  file.columns.push_back(std::move(column));
+  return {};
+}
+
+MeasurementStatus AddReadSample(MeasurementFile& file, std::size_t line, bool decimalComma,
+                                const std::function<std::string_view(std::size_t)>& cell) {
+  MeasurementSample sample;
+  sample.line = line;
+  sample.fields.resize(file.fieldCount);
+  sample.values.resize(file.wavelengths.size());
+  for (std::size_t i = 0; i < file.columns.size(); ++i) {
+    const MeasurementColumn& column = file.columns[i];
+    const std::string_view text = cell(i);
+    if (!column.spectral) {
+      sample.fields[column.index] = std::string(text);
+      continue;
+    }
+    double value = 0.0;
+    if (IsMissingValueText(text)) {
+      value = kMissing;
+    } else if (!ParseMeasurementNumber(text, decimalComma, value)) {
+      return MeasurementStatus::Failure(
+          file.source, line,
+          FormatMeasurementText(measurement_text::kNotANumber, {column.name, ShortenForMessage(text)}));
+    }
+    sample.values[column.index] = value;
+  }
+  file.samples.push_back(std::move(sample));
+  return {};
+}
+
+MeasurementStatus ParseMeasurementText(MeasurementLineReader read, std::string_view text, const std::string& source,
+                                       const ReadOptions& options, MeasurementFile& out) noexcept {
+  LineReader reader(text);
+  return read(reader, source, options, out);
+}
+
+MeasurementStatus ReadMeasurementFileWith(MeasurementLineReader read, const std::string& path,
+                                          const ReadOptions& options, MeasurementFile& out) noexcept {
+  return ReadWithoutThrowing(path, [&]() {
+    return ReadLinesOfFile(path, [&](LineReader& reader) { return read(reader, path, options, out); });
+  });
+}
+
+MeasurementStatus ReadIntoMeasurementFile(const std::string& source, MeasurementFormat format, MeasurementFile& out,
+                                          const std::function<MeasurementStatus()>& parse) noexcept {
+  return ReadWithoutThrowing(source, [&]() {
+    out = MeasurementFile();
+    out.source = source;
+    out.format = format;
+    return parse();
+  });
 }
 
 MeasurementStatus ReadWithoutThrowing(const std::string& source,

@@ -20,6 +20,7 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "velquor/io/line_reader.h"
@@ -33,11 +34,17 @@ enum class ReflectanceScale {
   kPercent,   // 0..100
 };
 
-// A file whose largest spectral value is above this is read as percent, otherwise as
-// fractions. Fluorescent samples rarely exceed 2 as a fraction, and percent data whose
-// largest value is 2 % or less (a set of deep blacks) is rare; either can be told to the
-// reader with ReadOptions::scale.
+// Detection of the scale (ReflectanceScale::kAuto). A value above kPercentDetectionThreshold
+// looks like percent. The file reads as percent when its kPercentDetectionQuantile quantile
+// (nearest rank, over every spectral value read, missing values left out) is above the
+// threshold, otherwise as fractions; so a slip or two ("25" typed for "0.21") among many
+// fraction values does not turn the file into percent, as judging by the largest value would.
+// Fluorescent samples rarely exceed 2 as a fraction, and percent data mostly at or below 2 %
+// (a set of deep blacks) is rare; either can be told to the reader with ReadOptions::scale.
+// Whatever decides the scale, a sample whose largest value looks like the other scale, in a
+// file whose other samples agree with the scale read, is named in a note.
 inline constexpr double kPercentDetectionThreshold = 2.0;
+inline constexpr double kPercentDetectionQuantile = 0.9;
 
 // Most columns a file may have. Real exports have a few hundred (1 nm from 300 to 1100 nm is
 // 801); the limit keeps a hostile header from costing memory and time per row.
@@ -113,6 +120,7 @@ struct MeasurementFile {
   double largestValue = 0.0;   // largest spectral value read (missing values left out)
   std::vector<MeasurementSample> samples;
   std::vector<MeasurementNote> notes;
+  std::size_t invalidUtf8Line = 0;  // first line with invalid UTF-8 (replaced by U+FFFD), or 0
 
   // The name a user knows a sample by: its SAMPLE_NAME, else SAMPLE_ID, else "#<n>".
   std::string SampleLabel(std::size_t sample) const;
@@ -146,16 +154,13 @@ std::string FormatMeasurementNumber(double value);
 // The same, appended to `out` (no temporary string: the writers call it per value).
 void AppendMeasurementNumber(std::string& out, double value);
 
-// Decides the scale after reading (`requested` kAuto: from the largest value) and adds a
-// note for every sample with missing values.
+// Decides the scale after reading (`requested` kAuto: see kPercentDetectionQuantile), adds a
+// note for every sample with missing values and one when the samples disagree on the scale.
 void FinishMeasurementFile(MeasurementFile& file, ReflectanceScale requested);
 
 // The library text `id` (see resources/strings/measurement_files.txt) with "%1" ... "%9"
 // replaced by `args`; "%%" is a percent sign.
 std::string FormatMeasurementText(std::uint32_t id, std::initializer_list<std::string_view> args = {});
-
-// Converts every spectral value to `scale` (kFraction or kPercent); missing values stay missing.
-void SetMeasurementScale(MeasurementFile& file, ReflectanceScale scale);
 
 // Appends a non-spectral column with one text per sample (an empty text where `values` is
 // short), e.g. computed XYZ or CIELAB beside the spectra.
@@ -166,10 +171,49 @@ void AddMeasurementColumn(MeasurementFile& file, std::string name, const std::ve
 MeasurementStatus LineReaderFailure(const LineReader& reader, LineReader::Status status,
                                     const std::string& source);
 
+// For the readers: `line` (line `lineNumber`) with each invalid UTF-8 sequence replaced by
+// U+FFFD, so that every text read is valid UTF-8; a repaired line is kept in `buffer`. The
+// first repaired line of `file` adds a note naming the file and the line.
+std::string_view RepairUtf8Line(std::string_view line, std::size_t lineNumber, std::string& buffer,
+                                MeasurementFile& file);
+
 // For the readers: opens `path`, hands its lines to `read` and closes it; a file that cannot
 // be opened is an error naming the file and the system's reason.
 MeasurementStatus ReadLinesOfFile(const std::string& path,
                                   const std::function<MeasurementStatus(LineReader&)>& read);
+
+// For the readers: `value` as quoted back in a message, cut after 40 bytes (never inside a
+// UTF-8 character) with "..." appended.
+std::string ShortenForMessage(std::string_view value);
+
+// For the readers: appends the column `name` of the header at `line` to `file`, a spectral one
+// when ParseSpectralColumnName (with `allowPlain`) reads a wavelength in it. A second column of
+// the same wavelength is an error; `wavelengthColumns` maps the wavelengths met so far to
+// their column.
+MeasurementStatus AddReadColumn(MeasurementFile& file, std::string name, bool allowPlain, std::size_t line,
+                                std::unordered_map<double, std::size_t>& wavelengthColumns);
+
+// For the readers: appends the sample of the row at `line`, whose cell of column i is
+// `cell(i)` (one per column): text cells as read, spectral ones as numbers (a missing-value
+// text gives kMissing; `decimalComma` as in ParseMeasurementNumber). A spectral cell that is
+// not a number is an error.
+MeasurementStatus AddReadSample(MeasurementFile& file, std::size_t line, bool decimalComma,
+                                const std::function<std::string_view(std::size_t)>& cell);
+
+// A reader of lines into a measurement file, as ReadCgats and ReadCsvSpectra.
+using MeasurementLineReader = MeasurementStatus (*)(LineReader& reader, const std::string& source,
+                                                    const ReadOptions& options, MeasurementFile& out) noexcept;
+
+// For the readers: `read` over text held in memory, and over the file at `path`.
+MeasurementStatus ParseMeasurementText(MeasurementLineReader read, std::string_view text, const std::string& source,
+                                       const ReadOptions& options, MeasurementFile& out) noexcept;
+MeasurementStatus ReadMeasurementFileWith(MeasurementLineReader read, const std::string& path,
+                                          const ReadOptions& options, MeasurementFile& out) noexcept;
+
+// For the readers: empties `out`, names it after `source` and `format` and runs `parse` on
+// it, turning an exception (only memory exhaustion can raise one) into an error status.
+MeasurementStatus ReadIntoMeasurementFile(const std::string& source, MeasurementFormat format, MeasurementFile& out,
+                                          const std::function<MeasurementStatus()>& parse) noexcept;
 
 // For the readers: runs `read`, turning an exception (only memory exhaustion can raise one)
 // into an error status for `source`.

@@ -47,6 +47,9 @@ inline constexpr std::uint32_t kMethodSprague = 29733;
 inline constexpr std::uint32_t kMethodLagrange = 29734;
 inline constexpr std::uint32_t kExtrapolated = 29735;
 inline constexpr std::uint32_t kNoneExtrapolated = 29736;
+inline constexpr std::uint32_t kLooksLikePercent = 29737;
+inline constexpr std::uint32_t kLooksLikeFraction = 29738;
+inline constexpr std::uint32_t kInvalidUtf8 = 29739;
 inline constexpr std::uint32_t kCannotWrite = 29740;
 
 }  // namespace velquor::measurement_text

@@ -58,7 +58,6 @@ class SpectralGridMapping {
 
   bool IsValid() const { return valid_; }
   GridMappingMethod Method() const { return method_; }
-  std::size_t InputCount() const { return inputCount_; }
 
   // Grid point i was extrapolated (it lies outside the measured range).
   bool IsExtrapolated(std::size_t point) const { return extrapolated_[point]; }

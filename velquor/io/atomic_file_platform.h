@@ -1,0 +1,26 @@
+// The operating-system calls behind AtomicFile (atomic_file.h), one small seam so that the
+// portable code calls no platform directly: atomic_file_platform_posix.cpp implements it for
+// POSIX systems, and a _windows.cpp beside it would implement it for Windows. CMake compiles
+// the one that matches the build platform.
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+namespace velquor::atomic_file_platform {
+
+// A number that tells this process apart from others writing beside the same target (the
+// process id), used in temporary names.
+unsigned long long ProcessNumber() noexcept;
+
+// Pushes the file's written data to the storage device (fsync): 0, or the system's error code.
+int SyncFile(std::FILE* file) noexcept;
+
+// Renames `from` over `to`, replacing `to` in one step: 0, or the system's error code.
+int ReplaceFile(const std::string& from, const std::string& to) noexcept;
+
+// Makes a rename inside the folder that holds `path` durable by flushing the folder itself;
+// best effort, failures are ignored (the rename already happened).
+void SyncFolderOf(const std::string& path) noexcept;
+
+}  // namespace velquor::atomic_file_platform
