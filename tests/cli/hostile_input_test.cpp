@@ -1,6 +1,7 @@
-// The built tool against hostile input and hostile output: full disks, unwritable paths,
-// folders given as files, spectra that overflow the tristimulus sums, and sample names that
-// are not valid UTF-8. Each case runs the executable and checks exit code, stdout and stderr.
+// The built tool against hostile input and hostile output: bad arguments, malformed files,
+// full disks, unwritable paths, folders given as files, spectra that overflow the tristimulus
+// sums, and sample names that are not valid UTF-8. Each case runs the executable and checks
+// exit code, stdout and stderr.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -27,6 +28,16 @@ const char kHostileCsv[] =
     "name,400,500,600,700\nstd,20,40,60,80\n\"ctl\t\xc0\xaf\xed\xa0\x80\",20,40,60,81\n";
 #define U_FFFD "\xef\xbf\xbd"
 
+const std::pair<const char*, std::string_view> kFiles[] = {
+    {"h.txt", kHostileCgats},
+    {"c.csv", kHostileCsv},
+    {"u.txt", "BEGIN_DATA_FORMAT\nSAMPLE_ID nm400 nm500\nEND_DATA_FORMAT\nBEGIN_DATA\n1 1 2\n"},
+    {"g.txt", std::string_view("\x7f"
+                               "ELF\x01\x00\x00",
+                               7)},
+    {"t.csv", "name,400,500,600\na,1,x,3\n"},
+};
+
 const char kFull[] = "No space left on device";
 const char kRepaired[] = "not valid UTF-8";
 
@@ -43,6 +54,26 @@ struct HostileCase {
 };
 
 const HostileCase kCases[] = {
+    // Arguments and files the tool cannot use: exit 2 and say what.
+    {"", 2, "", "usage: velquor", ""},
+    {"frobnicate", 2, "", "unknown command 'frobnicate'", ""},
+    {"xyz", 2, "", "expected 1 file argument, got 0", ""},
+    {"xyz h.txt --bogus", 2, "", "unknown option '--bogus'", ""},
+    {"xyz h.txt -i D66", 2, "", "unknown illuminant 'D66'", ""},
+    {"xyz h.txt -o 5", 2, "", "unknown observer '5'", ""},
+    {"xyz h.txt -i", 2, "", "needs a value", ""},
+    {"qc h.txt h.txt -t -1", 2, "", "tolerance '-1' is not a positive number", ""},
+    {"qc h.txt h.txt -s cmc:2:1:1:1", 2, "", "too many numbers", ""},
+    {"qc h.txt h.txt -s cmc:0:1", 2, "", "is not a positive number", ""},
+    {"qc h.txt h.txt --index 'WI Nonsense'", 2, "", "unknown index 'WI Nonsense'", ""},
+    {"qc h.txt h.txt --index Ganz", 2, "", "unknown index", ""},
+    {"strength h.txt h.txt -m apparent@520", 2, "", "takes no wavelength", ""},
+    {"index h.txt", 2, "", "--index is required", ""},
+    {"xyz absent.txt", 2, "", "velquor: absent.txt", ""},
+    {"diff h.txt h.txt -n nobody", 2, "", "no sample named 'nobody'", ""},
+    {"xyz u.txt", 2, "", "velquor: u.txt:", ""},
+    {"lab g.txt", 2, "", "velquor: g.txt", ""},
+    {"xyz t.csv", 2, "", "velquor: t.csv:2", ""},
     // Output that cannot be written: exit 2, and the message names the output and the reason.
     {"xyz h.txt >/dev/full", 2, "", "velquor: standard output: No space left on device", ""},
     {"qc cc.csv cc.csv --json >/dev/full", 2, "", kFull, ""},  // larger than stdio's buffer
@@ -86,8 +117,7 @@ class HostileInputTest : public ::testing::TestWithParam<HostileCase> {
     dir_ = fs::temp_directory_path() / "velquor_cli_hostile";
     fs::remove_all(dir_);
     fs::create_directories(dir_ / "sub");
-    std::ofstream(dir_ / "h.txt", std::ios::binary) << kHostileCgats;
-    std::ofstream(dir_ / "c.csv", std::ios::binary) << kHostileCsv;
+    for (const auto& [name, text] : kFiles) std::ofstream(dir_ / name, std::ios::binary) << text;
     fs::copy_file(VELQUOR_TEST_DATA_DIR "/samples/colorchecker_ohta_380_780_5nm.csv",
                   dir_ / "cc.csv");
   }
