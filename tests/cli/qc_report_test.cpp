@@ -34,14 +34,14 @@ QcSettings Settings(const char* system, double tolerance, const char* conditions
 }
 
 TEST(QcReport, TrialExactlyAtTheTolerancePasses) {
-  const QcSample standard = Sample("std", 20, 1);
-  const QcReport probe = ComputeQcReport(Settings("cielab", 100), standard, {Sample("t", 21, 1)});
-  const double total = probe.trials[0].results[0].difference[6];
+  const auto compare = [](double tolerance) {
+    return ComputeQcReport(Settings("cielab", tolerance), Sample("std", 20, 1),
+                           {Sample("t", 21, 1)});
+  };
+  const double total = compare(100).trials[0].results[0].difference[6];
   ASSERT_GT(total, 0.1);
-  EXPECT_TRUE(
-      ComputeQcReport(Settings("cielab", total), standard, {Sample("t", 21, 1)}).AllPassed());
-  const QcReport below =
-      ComputeQcReport(Settings("cielab", total * (1 - 1e-12)), standard, {Sample("t", 21, 1)});
+  EXPECT_TRUE(compare(total).AllPassed());
+  const QcReport below = compare(total * (1 - test::kExactFormula));
   EXPECT_FALSE(below.AllPassed());
   EXPECT_EQ(below.summaries[0].failed, 1u);
 }
@@ -75,13 +75,18 @@ TEST(QcReport, SummaryCountsAndWorstTenthRoundsUp) {
   EXPECT_FALSE(report.trials.back().results[0].computed);
 }
 
-TEST(QcReport, MissingStandardRejectsEveryTrial) {
-  QcSample standard = Sample("std", 20, 1);
-  standard.curve[0] = kMissing;
-  standard.hasMissing = true;
-  const QcReport report = ComputeQcReport(Settings("cielab", 1), standard, {Sample("t", 20, 1)});
-  EXPECT_EQ(report.summaries[0].rejected, 1u);
-  EXPECT_TRUE(report.toleranceContour.empty());
+// A standard with a missing value, or one whose X, Y, Z overflow, rejects every trial.
+TEST(QcReport, UnusableStandardRejectsEveryTrial) {
+  QcSample missing = Sample("std", 20, 1);
+  missing.curve[0] = kMissing;
+  missing.hasMissing = true;
+  for (const QcSample& standard : {missing, Sample("std", 1e308, 0)}) {
+    const QcReport report = ComputeQcReport(Settings("cielab", 1), standard, {Sample("t", 20, 1)});
+    EXPECT_EQ(report.summaries[0].rejected, 1u);
+    EXPECT_FALSE(report.AllPassed());
+    EXPECT_TRUE(report.toleranceContour.empty());
+    EXPECT_EQ(report.trials[0].note.rfind("standard rejected: ", 0), 0u) << report.trials[0].note;
+  }
 }
 
 TEST(QcReport, SlotLabelsFollowTheSystemsColumns) {
