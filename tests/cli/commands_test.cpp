@@ -13,6 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using ::testing::HasSubstr;
+using ::testing::Not;
 
 const std::string kColorChecker =
     VELQUOR_TEST_DATA_DIR "/samples/colorchecker_ohta_380_780_5nm.csv";
@@ -71,9 +72,12 @@ TEST_F(CommandTest, MissingValueRejectsOneSampleAndKeepsTheOthers) {
   // At 100 nm spacing every grid point interpolated from 500 nm is lost with it.
   EXPECT_THAT(io_.out, HasSubstr("gap: rejected, missing values at 410, "));
   EXPECT_THAT(io_.out, HasSubstr("sample gap has no value at 500 nm"));
-  EXPECT_THAT(io_.out, HasSubstr("near    D65/10°    49.9782"));
+  EXPECT_THAT(io_.out,
+              HasSubstr("near    D65/10°    49.9782  50.2690  32.8805   0.3754   0.3776\n"));
   EXPECT_EQ(Run({"qc", file, file, "-s", "cielab", "-t", "5"}), kExitRejected);
   EXPECT_THAT(io_.out, HasSubstr("rejected"));
+  EXPECT_EQ(Run({"diff", file, file}), kExitRejected);
+  EXPECT_THAT(io_.out, Not(HasSubstr(" \n")));  // a blank last column leaves no blanks
   EXPECT_EQ(Run({"qc", file, file, "--json"}), kExitRejected);
   EXPECT_THAT(io_.out, HasSubstr("\"computed\": false"));
 }

@@ -243,6 +243,20 @@ TEST(RenderQcHtml, ShowsRejectedSamplesWithTheirNote) {
   EXPECT_EQ(All(bars, "class=\"bar (pass|fail)\"><title>[^<]*</title><rect").size(), 2u);
 }
 
+// Swatches in sRGB (IEC 61966-2-1) of neutral greys on both sides of the CIELAB breakpoint:
+// L* 50 is sRGB 119 (0x77), L* 5 is sRGB 17 (0x11).
+TEST(RenderQcHtml, SwatchesShowTheSrgbColourOfTheCielabValues) {
+  QcReport report = MakeReport();
+  for (const auto& [result, l] :
+       {std::pair{&report.standard.results[0], 50.0}, {&report.trials[0].results[0], 5.0}}) {
+    result->lab[0] = l;
+    result->lab[1] = result->lab[2] = 0;
+  }
+  const std::string html = RenderQcHtml(report);
+  EXPECT_NE(html.find("background:#777777"), std::string::npos);
+  EXPECT_NE(html.find("background:#111111"), std::string::npos);
+}
+
 // The tolerance polygon keeps every contour point, and the common scale fits the contour and
 // every trial inside the plot, whichever of the two is larger. No contour, no polygon.
 TEST(RenderQcHtml, ContourAndTrialsShareOneScaleInsideTheViewBox) {
