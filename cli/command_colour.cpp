@@ -12,8 +12,8 @@
 #include "velquor/colorimetry/rgb.h"
 #include "velquor/colorimetry/tristimulus.h"
 #include "velquor/colorimetry/weight_table_cache.h"
-#include "velquor/io/measurement_io.h"
 #include "velquor/frame/constants.h"
+#include "velquor/io/measurement_io.h"
 
 namespace velquor::cli {
 
@@ -51,11 +51,9 @@ const SpaceColumns& ColumnsOf(ColourSpace space) {
 const SpaceColumns kXyzColumns{
     ColourSpace::kYxy, {"X", "Y", "Z", "x", "y"}, {"XYZ_X", "XYZ_Y", "XYZ_Z", "XYY_X", "XYY_Y"}, 4};
 
-// The values of one sample in `space` (or XYZ with x, y when `xyzOnly`).
-std::vector<double> Coordinates(const CKSData& curve, const Condition& c, bool xyzOnly,
+// The values of one sample from its X, Y, Z in `space` (or XYZ with x, y when `xyzOnly`).
+std::vector<double> Coordinates(const CValueVector3& xyz, const Condition& c, bool xyzOnly,
                                 ColourSpace space) {
-  CValueVector3 xyz;
-  ComputeXYZ(curve, c.illuminant, c.observer, xyz);
   double x = kMissing;
   double y = kMissing;
   if (xyzOnly || space == ColourSpace::kYxy) XYZToChromaticity(xyz, x, y);
@@ -131,21 +129,25 @@ int RunColour(CommandArgs args, CommandOutput& io, bool xyzOnly) {
   int result = kExitSuccess;
   for (Condition& condition : conditions)
     EnsureWeightTable(condition.illuminant, condition.observer);
+  CValueVector3 xyz;
+  std::string why;
   for (const QcSample& sample : set.samples) {
+    std::string rejected;
     for (std::size_t c = 0; c < conditions.size(); ++c) {
       std::vector<Cell> row{TextCell(sample.name), TextCell(conditions[c].label)};
-      const std::vector<double> values =
-          sample.hasMissing ? std::vector<double>(columns.names.size(), kMissing)
-                            : Coordinates(sample.curve, conditions[c], xyzOnly, space);
+      const bool usable = SampleXyz(sample, conditions[c], xyz, why);
+      if (!usable && rejected.empty()) rejected = why;
+      const std::vector<double> values = usable
+                                             ? Coordinates(xyz, conditions[c], xyzOnly, space)
+                                             : std::vector<double>(columns.names.size(), kMissing);
       for (std::size_t k = 0; k < values.size(); ++k) {
         row.push_back(NumberCell(values[k], columns.decimals));
         written[c * columns.names.size() + k].push_back(row.back().missing ? "" : row.back().text);
       }
       table.rows.push_back(std::move(row));
     }
-    if (sample.hasMissing) {
-      table.notes.push_back(sample.name + ": rejected, missing values at " +
-                            MissingWavelengthText(sample.curve));
+    if (!rejected.empty()) {
+      table.notes.push_back(sample.name + ": rejected, " + rejected);
       result = kExitRejected;
     }
   }

@@ -44,24 +44,23 @@ int RunIndexCommand(CommandArgs args, CommandOutput& io) {
   CValueVector3 xyz;
   for (Condition& condition : conditions)
     EnsureWeightTable(condition.illuminant, condition.observer);
+  std::string why;
   for (const QcSample& sample : set.samples) {
+    std::string rejected;
     for (const Condition& condition : conditions) {
       std::vector<Cell> row{TextCell(sample.name), TextCell(condition.label)};
-      ComputeXYZ(sample.curve, condition.illuminant, condition.observer, xyz);
+      const bool usable = SampleXyz(sample, condition, xyz, why);
+      if (!usable && rejected.empty()) rejected = why;
       for (const IndexChoice& index : indices) {
-        const double value = sample.hasMissing
-                                 ? kMissing
-                                 : FindIndexFormula(index.identifier)
-                                       ->plain(condition.illuminant, condition.observer, xyz);
+        const double value = usable ? FindIndexFormula(index.identifier)
+                                          ->plain(condition.illuminant, condition.observer, xyz)
+                                    : kMissing;
         row.push_back(NumberCell(value, 2));
         if (row.back().missing) result = kExitRejected;
       }
       table.rows.push_back(std::move(row));
     }
-    if (sample.hasMissing) {
-      table.notes.push_back(sample.name + ": rejected, missing values at " +
-                            MissingWavelengthText(sample.curve));
-    }
+    if (!rejected.empty()) table.notes.push_back(sample.name + ": rejected, " + rejected);
   }
   if (!EmitTable(parsed, table, io)) return kExitUsage;
   return result;

@@ -42,7 +42,8 @@ int RunStrengthCommand(CommandArgs args, CommandOutput& io) {
   EnsureWeightTable(condition.illuminant, condition.observer);
   CValueVector3 standardXyz;
   CValueVector3 trialXyz;
-  ComputeXYZ(standard.curve, condition.illuminant, condition.observer, standardXyz);
+  std::string standardWhy;
+  const bool standardUsable = SampleXyz(standard, condition, standardXyz, standardWhy);
   Table table;
   table.title =
       "Colour strength against " + standard.name + " (" + GetStrengthLabel(method.settings) +
@@ -54,8 +55,9 @@ int RunStrengthCommand(CommandArgs args, CommandOutput& io) {
   for (const QcSample& trial : trials.samples) {
     int wavelength = 0;
     double strength = kMissing;
-    if (!standard.hasMissing && !trial.hasMissing) {
-      ComputeXYZ(trial.curve, condition.illuminant, condition.observer, trialXyz);
+    std::string why;
+    const bool usable = SampleXyz(trial, condition, trialXyz, why);
+    if (standardUsable && usable) {
       strength =
           CalcStrength(method.settings, standard.curve, trial.curve, standardXyz, trialXyz,
                        condition.illuminant, condition.observer, method.useAbsorbance, wavelength);
@@ -66,8 +68,8 @@ int RunStrengthCommand(CommandArgs args, CommandOutput& io) {
                           atWavelength ? NumberCell(wavelength, 0) : TextCell("")};
     if (row[1].missing) {
       result = kExitRejected;
-      table.notes.push_back(trial.name + ": rejected, missing values at " +
-                            MissingWavelengthText(trial.hasMissing ? trial.curve : standard.curve));
+      table.notes.push_back(trial.name + ": rejected, " +
+                            (usable ? "standard " + standard.name + ": " + standardWhy : why));
     }
     table.rows.push_back(std::move(row));
   }

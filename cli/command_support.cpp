@@ -1,6 +1,10 @@
 #include "command_support.h"
 
+#include <filesystem>
+#include <system_error>
+
 #include "report.h"
+#include "utf8.h"
 #include "velquor/io/atomic_file.h"
 
 namespace velquor::cli {
@@ -78,6 +82,11 @@ bool ReadSamples(const ParsedArguments& args, const std::string& path, SampleSet
     return false;
   }
   std::string error;
+  std::error_code code;
+  if (std::filesystem::is_directory(path, code)) {
+    io.err += "velquor: " + path + ": is a directory\n";
+    return false;
+  }
   if (!LoadSampleSet(path, options, out, error, keepRows)) {
     io.err += "velquor: " + error + "\n";
     return false;
@@ -103,14 +112,10 @@ bool PickStandard(const ParsedArguments& args, const SampleSet& set, QcSample& o
 }
 
 bool WriteTextFile(const std::string& path, const std::string& text, std::string& error) {
-  AtomicFile file(path);
-  if (!file.Open(error)) return false;
-  if (!file.Write(text)) {
-    error = path + ": cannot write";
-    file.Discard();
-    return false;
-  }
-  return file.Commit(error);
+  std::string reason;
+  if (WriteFileAtomically(path, text, reason)) return true;
+  error = path + ": " + reason;
+  return false;
 }
 
 namespace {
@@ -124,23 +129,37 @@ bool Emit(const ParsedArguments& args, const Source& source, std::string (*text)
     const char* option;
     std::string (*render)(const Source&);
   };
+  // Names come from the input files byte for byte: whatever they hold, every output is
+  // well-formed UTF-8, and the user is told once that something was replaced.
+  bool repaired = false;
+  const auto render = [&](std::string (*renderer)(const Source&)) {
+    std::string rendered = renderer(source);
+    repaired = RepairUtf8(rendered) || repaired;
+    return rendered;
+  };
+  const auto finish = [&](bool ok) {
+    if (repaired) {
+      io.err += "velquor: some names were not valid UTF-8; U+FFFD stands for the invalid bytes\n";
+    }
+    return ok;
+  };
   const Format formats[] = {{"csv", csv}, {"json", json}, {"html", html}};
   for (const Format& format : formats) {
     if (!args.Has(format.option)) continue;
     const std::string path = args.Get(format.option);
     if (path.empty()) {
-      io.out += format.render(source);
+      io.out += render(format.render);
       toStdout = true;
       continue;
     }
     std::string error;
-    if (!WriteTextFile(path, format.render(source), error)) {
+    if (!WriteTextFile(path, render(format.render), error)) {
       io.err += "velquor: " + error + "\n";
-      return false;
+      return finish(false);
     }
   }
-  if (!toStdout) io.out += text(source);
-  return true;
+  if (!toStdout) io.out += render(text);
+  return finish(true);
 }
 
 }  // namespace

@@ -32,7 +32,7 @@ bool ReadConditions(const ParsedArguments& args, std::vector<Condition>& out, Co
                     std::string_view fallback = "D65");
 
 // Reads a measurement file with --scale applied (see LoadSampleSet for `keepRows`). False
-// after writing the error to io.err.
+// after writing the error to io.err (a folder is refused by name, before any read).
 bool ReadSamples(const ParsedArguments& args, const std::string& path, SampleSet& out,
                  CommandOutput& io, bool keepRows = false);
 
@@ -48,7 +48,7 @@ bool EmitTable(const ParsedArguments& args, const Table& table, CommandOutput& i
 // The same for a QC report.
 bool EmitQcReport(const ParsedArguments& args, const QcReport& report, CommandOutput& io);
 
-// Writes `text` to `path` atomically. False with the reason in `error`.
+// Writes `text` to `path` atomically. False with "PATH: reason" in `error`.
 bool WriteTextFile(const std::string& path, const std::string& text, std::string& error);
 
 }  // namespace velquor::cli

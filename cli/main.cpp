@@ -1,5 +1,7 @@
 // velquor: the library's command-line tool (commands.h).
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -8,8 +10,17 @@
 int main(int argc, char** argv) {
   const std::vector<std::string> args(argv + 1, argv + argc);
   velquor::cli::CommandOutput io;
-  const int status = velquor::cli::RunVelquor(args, io);
-  std::fwrite(io.out.data(), 1, io.out.size(), stdout);
+  int status = velquor::cli::RunVelquor(args, io);
+  // A full disk or a closed pipe must not pass for success: stdio reports a failed write in
+  // the stream's error state, possibly only at the final flush.
+  errno = 0;
+  const bool written = std::fwrite(io.out.data(), 1, io.out.size(), stdout) == io.out.size();
+  const bool flushed = std::fflush(stdout) == 0;
+  if (!written || !flushed || std::ferror(stdout)) {
+    const int reason = errno != 0 ? errno : EIO;
+    io.err += std::string("velquor: standard output: ") + std::strerror(reason) + "\n";
+    status = velquor::cli::kExitUsage;
+  }
   std::fwrite(io.err.data(), 1, io.err.size(), stderr);
-  return std::fflush(stdout) == 0 ? status : velquor::cli::kExitUsage;
+  return status;
 }

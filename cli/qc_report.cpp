@@ -28,9 +28,13 @@ struct Prepared {
   CValueVector3 triple;
 };
 
-void Prepare(const QcSample& sample, const Condition& condition, const DifferenceChoice& system,
-             QcResult& result, Prepared& prepared) {
-  ComputeXYZ(sample.curve, condition.illuminant, condition.observer, result.xyz);
+// False (with the reason) when the sample is rejected under `condition`.
+bool Prepare(const QcSample& sample, const Condition& condition, const DifferenceChoice& system,
+             QcResult& result, Prepared& prepared, std::string& why) {
+  if (!SampleXyz(sample, condition, result.xyz, why)) {
+    for (std::size_t k = 0; k < 5; ++k) result.lab[k] = kMissing;
+    return false;
+  }
   FillColorSample(result.xyz, system.system, condition.illuminant, condition.observer,
                   system.weights.data(), prepared.sample, prepared.triple);
   if (FillsCieLab(system.system)) {
@@ -38,6 +42,7 @@ void Prepare(const QcSample& sample, const Condition& condition, const Differenc
   } else {
     XYZToLab(condition.illuminant, condition.observer, result.xyz, result.lab);
   }
+  return true;
 }
 
 QcSummary Summarise(const std::vector<QcSample>& trials, std::size_t condition) {
@@ -88,6 +93,19 @@ std::string MissingWavelengthText(const CKSData& curve) {
   return text.empty() ? text : text + " nm";
 }
 
+bool SampleXyz(const QcSample& sample, const Condition& condition, CValueVector3& xyz,
+               std::string& why) {
+  if (sample.hasMissing) {
+    for (std::size_t k = 0; k < 3; ++k) xyz[k] = kMissing;
+    why = "missing values at " + MissingWavelengthText(sample.curve);
+    return false;
+  }
+  ComputeXYZ(sample.curve, condition.illuminant, condition.observer, xyz);
+  if (std::isfinite(xyz[0]) && std::isfinite(xyz[1]) && std::isfinite(xyz[2])) return true;
+  why = "tristimulus values not finite (spectral values too large)";
+  return false;
+}
+
 bool QcReport::AllPassed() const {
   return std::all_of(summaries.begin(), summaries.end(),
                      [](const QcSummary& s) { return s.failed == 0 && s.rejected == 0; });
@@ -112,23 +130,19 @@ QcReport ComputeQcReport(const QcSettings& settings, QcSample standard,
   CDWordArray codes;  // the shade codes and colours, not reported; kept across trials
   CDWordArray colours;
   QcSample& reference = report.standard;
-  if (reference.hasMissing)
-    reference.note = "missing values at " + MissingWavelengthText(reference.curve);
-  for (QcSample& trial : report.trials) {
-    if (trial.hasMissing) trial.note = "missing values at " + MissingWavelengthText(trial.curve);
-  }
   for (std::size_t c = 0; c < settings.conditions.size(); ++c) {
     Condition condition = settings.conditions[c];
     EnsureWeightTable(condition.illuminant, condition.observer);
     QcResult& base = reference.results.emplace_back();
-    Prepare(reference, condition, system, base, standardPrepared);
-    base.computed = !reference.hasMissing;
+    std::string why;
+    base.computed = Prepare(reference, condition, system, base, standardPrepared, why);
+    if (!base.computed && reference.note.empty()) reference.note = why;
     for (QcSample& trial : report.trials) {
       QcResult& result = trial.results.emplace_back();
-      Prepare(trial, condition, system, result, trialPrepared);
-      result.computed = base.computed && !trial.hasMissing;
+      const bool usable = Prepare(trial, condition, system, result, trialPrepared, why);
+      result.computed = base.computed && usable;
       if (!result.computed) {
-        if (trial.note.empty()) trial.note = "standard has missing values";
+        if (trial.note.empty()) trial.note = usable ? "standard rejected: " + reference.note : why;
         continue;
       }
       ComputeColorDifference(standardPrepared.sample, trialPrepared.sample, system.system,
@@ -144,24 +158,27 @@ QcReport ComputeQcReport(const QcSettings& settings, QcSample standard,
 
   if (!settings.conditions.empty()) {
     const Condition& first = settings.conditions.front();
-    if (!reference.hasMissing) {
+    const bool standardUsable = reference.results.front().computed;
+    if (standardUsable) {
       report.toleranceContour =
           ToleranceContour(reference.results.front().lab, first, system, settings.tolerance);
     }
     // Indices and strength of one sample under the first condition.
     const auto addIndicesAndStrength = [&](QcSample& sample) {
-      const CValueVector3& xyz = sample.results.front().xyz;
+      if (settings.indices.empty() && !settings.withStrength) return;
+      CValueVector3 xyz;
+      std::string why;
+      const bool usable = SampleXyz(sample, first, xyz, why);
       for (const IndexChoice& index : settings.indices) {
         const IndexFormula* formula = FindIndexFormula(index.identifier);
-        const bool computable =
-            formula != nullptr && formula->plain != nullptr && !sample.hasMissing;
+        const bool computable = formula != nullptr && formula->plain != nullptr && usable;
         sample.indices.push_back(computable ? formula->plain(first.illuminant, first.observer, xyz)
                                             : kMissing);
       }
       if (!settings.withStrength) return;
       int wavelength = 0;
       sample.strength =
-          reference.hasMissing || sample.hasMissing
+          !standardUsable || !usable
               ? kMissing
               : CalcStrength(settings.strength.settings, reference.curve, sample.curve,
                              reference.results.front().xyz, xyz, first.illuminant, first.observer,

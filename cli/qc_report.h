@@ -96,6 +96,13 @@ std::vector<std::string> DifferenceSlotLabels(int system);
 // The grid wavelengths (nm) at which `curve` is missing, e.g. "500, 510 nm"; empty if none.
 std::string MissingWavelengthText(const CKSData& curve);
 
+// X, Y, Z of `sample` under `condition`, or false with the reason in `why` when the sample is
+// rejected: a grid point is missing, or the weighted sums overflow (spectral values such as
+// 1e308 give an infinite X, Y or Z, and every colour built on it would be meaningless). Every
+// command rejects a sample by this one rule.
+bool SampleXyz(const QcSample& sample, const Condition& condition, CValueVector3& xyz,
+               std::string& why);
+
 }  // namespace velquor::cli
 
 namespace velquor::cli {

@@ -4,6 +4,7 @@
 
 #include "arguments.h"
 #include "choices.h"
+#include "reference_table.h"
 
 namespace velquor::cli {
 namespace {
@@ -50,34 +51,17 @@ TEST(Choices, ConditionsByCodeAliasAndObserver) {
 }
 
 TEST(Choices, DifferenceSystemsTakeTheirWeights) {
-  const struct {
-    const char* text;
-    int system;
-    std::array<double, 3> weights;
-    double parameter;
-    const char* caption;
-  } kCases[] = {
-      {"cmc", 1, {2, 1, 1}, 1, "CMC (L:C) = 2 : 1, cf = 1"},
-      {"CMC:1.4:1", 1, {1.4, 1, 1}, 1, "CMC (L:C) = 1.4 : 1, cf = 1"},
-      {"cie2000:2:1:1", 11, {2, 1, 1}, 1, "CIE2000 (KL:KC:KH) = 2 : 1 : 1"},
-      {"din99:1:2", 10, {1, 2, 1}, 1, "DIN99 (KCH:KE) = 1 : 2"},
-      {"din6175:1:1:1:0.75", 12, {1, 1, 1}, 0.75, "DIN6175 (gL:gC:gH) = 1 : 1 : 1"},
-      {"audi:45", 9, {1, 1, 1}, 45, "Audi L*a*b*"},
-      {"lab", 0, {1, 1, 1}, 1, "CIE L*a*b*"},
-  };
-  for (const auto& c : kCases) {
+  for (const auto& row : test::LoadReferenceTable("reference/cli_difference_systems.csv")) {
     DifferenceChoice choice;
     std::string error;
-    ASSERT_TRUE(ParseDifferenceSystem(c.text, choice, error)) << c.text << ": " << error;
-    EXPECT_EQ(choice.system, c.system) << c.text;
-    EXPECT_EQ(choice.weights, c.weights) << c.text;
-    EXPECT_EQ(choice.parameter, c.parameter) << c.text;
-    EXPECT_EQ(choice.caption, c.caption) << c.text;
-  }
-  DifferenceChoice choice;
-  std::string error;
-  for (const char* bad : {"cie2000:1:1:1:1", "lab:1", "cmc:-2:1", "cmc:x:1", "delta", ""}) {
-    EXPECT_FALSE(ParseDifferenceSystem(bad, choice, error)) << bad;
+    const bool accepted = ParseDifferenceSystem(row.Text("text"), choice, error);
+    ASSERT_EQ(accepted, row.Text("system") != "refused") << row.Where() << ": " << error;
+    if (!accepted) continue;
+    EXPECT_EQ(choice.system, row.Integer("system")) << row.Where();
+    EXPECT_EQ(choice.weights, (std::array{row.Number("w1"), row.Number("w2"), row.Number("w3")}))
+        << row.Where();
+    EXPECT_EQ(choice.parameter, row.Number("parameter")) << row.Where();
+    EXPECT_EQ(choice.caption, row.Text("caption")) << row.Where();
   }
 }
 
@@ -95,32 +79,15 @@ TEST(Choices, IndicesByCatalogueName) {
 }
 
 TEST(Choices, StrengthMethodsByNameCodeAndWavelength) {
-  const struct {
-    const char* text;
-    int method;
-    int wavelength;
-    bool absorbance;
-  } kCases[] = {
-      {"apparent", 0, 500, false},
-      {"chromatic@520", 2, 520, false},
-      {"base-chromatic@400", 14, 400, false},
-      {"tris-z", 10, 500, false},
-      {"12", 12, 500, false},
-      {"apparent:absorbance", 0, 500, true},
-  };
-  for (const auto& c : kCases) {
+  for (const auto& row : test::LoadReferenceTable("reference/cli_strength_methods.csv")) {
     StrengthChoice choice;
     std::string error;
-    ASSERT_TRUE(ParseStrengthMethod(c.text, choice, error)) << c.text << ": " << error;
-    EXPECT_EQ(choice.settings.method, c.method) << c.text;
-    EXPECT_EQ(choice.settings.userWavelength, c.wavelength) << c.text;
-    EXPECT_EQ(choice.useAbsorbance, c.absorbance) << c.text;
-  }
-  StrengthChoice choice;
-  std::string error;
-  for (const char* bad : {"15", "-1", "chromatic@355", "chromatic@751", "chromatic@5x0", "tris@500",
-                          "apparent:density", "strong"}) {
-    EXPECT_FALSE(ParseStrengthMethod(bad, choice, error)) << bad;
+    const bool accepted = ParseStrengthMethod(row.Text("text"), choice, error);
+    ASSERT_EQ(accepted, row.Text("method") != "refused") << row.Where() << ": " << error;
+    if (!accepted) continue;
+    EXPECT_EQ(choice.settings.method, row.Integer("method")) << row.Where();
+    EXPECT_EQ(choice.settings.userWavelength, row.Integer("wavelength")) << row.Where();
+    EXPECT_EQ(choice.useAbsorbance, row.Integer("absorbance") == 1) << row.Where();
   }
 }
 
