@@ -4,7 +4,7 @@
 #include <system_error>
 
 #include "report.h"
-#include "utf8.h"
+#include "velquor/frame/utf8.h"
 #include "velquor/io/atomic_file.h"
 
 namespace velquor::cli {
@@ -91,6 +91,15 @@ bool ReadSamples(const ParsedArguments& args, const std::string& path, SampleSet
     io.err += "velquor: " + error + "\n";
     return false;
   }
+  // The reader has already put U+FFFD in place of the invalid bytes; say so once per file,
+  // also when one file serves as standard and trials.
+  if (out.file.invalidUtf8Line != 0) {
+    const std::string message = "velquor: " + path + ":" +
+                                std::to_string(out.file.invalidUtf8Line) +
+                                ": names that were not valid UTF-8 were repaired (U+FFFD stands "
+                                "for the bytes)\n";
+    if (io.err.find(message) == std::string::npos) io.err += message;
+  }
   return true;
 }
 
@@ -134,8 +143,9 @@ bool Emit(const ParsedArguments& args, const Source& source, std::string (*text)
   bool repaired = false;
   const auto render = [&](std::string (*renderer)(const Source&)) {
     std::string rendered = renderer(source);
-    repaired = RepairUtf8(rendered) || repaired;
-    return rendered;
+    if (IsValidUtf8(rendered)) return rendered;
+    repaired = true;
+    return ReplaceInvalidUtf8(rendered);
   };
   const auto finish = [&](bool ok) {
     if (repaired) {
