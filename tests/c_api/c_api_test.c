@@ -148,6 +148,11 @@ static void TestData(void) {
              {grid[39], 70.0, 1e-12});
   CHECK_INT(1, vq_map_to_grid(twentyNm, 19, quadratic, 1, 1.0, grid, NULL, 0), VQ_OK);
   CHECK_NEAR(1, grid[9], 30.0 - 5.0 - 1.0, 1e-9);
+  // Several spectra, each read from its own place: a flat 50 %, then 1 - nm / 1000.
+  double two[62], twoGrids[2 * VQ_SPECTRUM_POINTS];
+  for (int i = 0; i < 62; ++i) two[i] = i < 31 ? 0.5 : 1.0 - fractions[i - 31];
+  CHECK_INT(3, vq_map_to_grid(bands, 31, two, 2, 100.0, twoGrids, NULL, 0), VQ_OK);
+  CHECK_REFS(3, {twoGrids[4], 50.0, 1e-12}, {twoGrids[VQ_SPECTRUM_POINTS + 19], 45.0, 1e-12});
   CHECK_INT(2, vq_map_to_grid(bands, 2, fractions, 1, 100.0, grid, BUF), VQ_ERR_FAILED);
   CHECK_INT(2, text[0] != '\0', 1); /* the reason */
 }
