@@ -554,6 +554,7 @@ static void TestRefusedArguments(void) {
   vq_root_result root;
   CHECK_RESULTS(VQ_ERR_NULL, vq_string(384, NULL, 4), vq_compute_xyz(NULL, 2, 1, &xyz),
                 vq_xyz_batch(NULL, 1, 2, 0, &xyz), vq_lab_batch(spectra, 2, 2, 0, NULL, NULL),
+                vq_xyz_to_lab_batch(2, 1, &xyz, 1, NULL),
                 vq_color_difference(&sample, NULL, 0, 2, 1, NULL, 0.0, &d),
                 vq_difference_caption(VQ_DIFF_CMC, 0, NULL, 3, BUF),
                 vq_index(VQ_INDEX_WI_GANZ, 2, 1, &xyz, NULL, &value), /* no coefficients */
