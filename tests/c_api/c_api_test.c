@@ -1,7 +1,7 @@
-/* The C interface, exercised from a program compiled as C11.
- * Expected values: published data (ASTM E308 white points, Sharma-Wu-Dalal CIEDE2000 pairs,
- * ASTM E313-10 white points), hand calculations shown beside them, and invariants (a flat
- * spectrum scales the white point; a white has CIE whiteness Y and tint 0). */
+// The C interface, exercised from a program compiled as C11.
+// Expected values: published data (ASTM E308 white points, Sharma-Wu-Dalal CIEDE2000 pairs,
+// ASTM E313-10 white points), hand calculations shown beside them, and invariants (a flat
+// spectrum scales the white point; a white has CIE whiteness Y and tint 0).
 #define _XOPEN_SOURCE 700
 
 #include <ftw.h>
@@ -20,8 +20,8 @@
 static int failures = 0, checks = 0;
 static char text[256]; /* the buffer of the text functions */
 
-/* Counts a check; a failed one prints its line, case index and what was checked, and the
- * caller adds the value got, the one expected and (for numbers) the error in tolerances. */
+// Counts a check; a failed one prints its line, case index and what was checked, and the
+// caller adds the value got, the one expected and (for numbers) the error in tolerances.
 static int Failed(int ok, int line, int index, const char* what) {
   ++checks;
   failures += !ok;
@@ -39,13 +39,13 @@ static void Str(int line, int index, const char* what, const char* got, const ch
   if (Failed(strcmp(got, want) == 0, line, index, what))
     printf("got \"%s\", expected \"%s\"\n", got, want);
 }
-/* A text function returns the full length of its text and writes it into the buffer. */
+// A text function returns the full length of its text and writes it into the buffer.
 static void Text(int line, int index, const char* what, int length, const char* want) {
   Int(line, index, what, length, (long long)strlen(want));
   Str(line, index, what, text, want);
 }
-/* Tables: reference values as rows {got, expected, tolerance} (a failure names its row), and
- * results of calls that must all be one code (a failure names the call's place in the list). */
+// Tables: reference values as rows {got, expected, tolerance} (a failure names its row), and
+// results of calls that must all be one code (a failure names the call's place in the list).
 static void Refs(int line, int index, const double (*rows)[3], int count) {
   for (int r = 0; r < count; ++r)
     Near(line, index * 100 + r, "row (case x 100 + row)", rows[r][0], rows[r][1], rows[r][2]);
@@ -75,7 +75,7 @@ static void TestTexts(void) {
   CHECK_STR(0, vq_result_text(VQ_ERR_NULL), "null pointer");
   CHECK_STR(1, vq_result_text(-99), "unknown result code");
 
-  /* Too small a buffer: cut to size - 1 bytes, terminated, full length returned. */
+  // Too small a buffer: cut to size - 1 bytes, terminated, full length returned.
   CHECK_TEXT(0, vq_string(384, BUF), "A|Tungsten");
   CHECK_INT(1, vq_string(384, text, 4), 10);
   CHECK_STR(1, text, "A|T");
@@ -83,7 +83,7 @@ static void TestTexts(void) {
   CHECK_INT(3, vq_string(60000, BUF), VQ_ERR_NOT_FOUND);
   CHECK_STR(3, text, "");
 
-  /* A translation replaces the texts it lists and nothing else; a bad one is refused. */
+  // A translation replaces the texts it lists and nothing else; a bad one is refused.
   static const char kGerman[] = "384\tA|Glühlampe\n";
   char error[128] = "";
   CHECK_INT(0, vq_load_translation_text(kGerman, strlen(kGerman), error, sizeof error), VQ_OK);
@@ -127,16 +127,16 @@ static void TestTexts(void) {
 
 
 static void TestData(void) {
-  /* K/S of 50 %: (1 - 0.5)^2 / (2 x 0.5) = 0.25; below 0.01 % it is 9999.
-   * Density of 10 %: log10(100 / 10) = 1. */
+  // K/S of 50 %: (1 - 0.5)^2 / (2 x 0.5) = 0.25; below 0.01 % it is 9999.
+  // Density of 10 %: log10(100 / 10) = 1.
   double values[3] = {50.0, 0.001, 10.0};
   CHECK_RESULTS(VQ_OK, vq_convert_refl(values, 2, VQ_REFL_KS),
                 vq_convert_refl(values + 2, 1, VQ_REFL_DENSITY));
   CHECK_REFS(0, {values[0], 0.25, 1e-15}, {values[1], 9999.0, 0.0}, {values[2], 1.0, 1e-15});
 
-  /* Onto the grid: 400-700 nm at 10 nm (fractions) is sampled, and repeated outward from the
-   * ends; 20 nm data of a quadratic is reproduced at 450 nm (t = -0.5) by Sprague
-   * interpolation, which is exact for polynomials up to degree 4 away from the ends. */
+  // Onto the grid: 400-700 nm at 10 nm (fractions) is sampled, and repeated outward from the
+  // ends; 20 nm data of a quadratic is reproduced at 450 nm (t = -0.5) by Sprague
+  // interpolation, which is exact for polynomials up to degree 4 away from the ends.
   double bands[31], fractions[31], twentyNm[19], quadratic[19], grid[VQ_SPECTRUM_POINTS];
   for (int i = 0; i < 31; ++i) fractions[i] = (bands[i] = 400.0 + 10.0 * i) / 1000.0;
   for (int i = 0; i < 19; ++i) {
@@ -148,13 +148,18 @@ static void TestData(void) {
              {grid[39], 70.0, 1e-12});
   CHECK_INT(1, vq_map_to_grid(twentyNm, 19, quadratic, 1, 1.0, grid, NULL, 0), VQ_OK);
   CHECK_NEAR(1, grid[9], 30.0 - 5.0 - 1.0, 1e-9);
+  // Several spectra, each read from its own place: a flat 50 %, then 1 - nm / 1000.
+  double two[62], twoGrids[2 * VQ_SPECTRUM_POINTS];
+  for (int i = 0; i < 62; ++i) two[i] = i < 31 ? 0.5 : 1.0 - fractions[i - 31];
+  CHECK_INT(3, vq_map_to_grid(bands, 31, two, 2, 100.0, twoGrids, NULL, 0), VQ_OK);
+  CHECK_REFS(3, {twoGrids[4], 50.0, 1e-12}, {twoGrids[VQ_SPECTRUM_POINTS + 19], 45.0, 1e-12});
   CHECK_INT(2, vq_map_to_grid(bands, 2, fractions, 1, 100.0, grid, BUF), VQ_ERR_FAILED);
   CHECK_INT(2, text[0] != '\0', 1); /* the reason */
 }
 
 
 static void TestWhitePointsAndTristimulus(void) {
-  /* ASTM E308 white points of the 10 nm tables, to their three decimals. */
+  // ASTM E308 white points of the 10 nm tables, to their three decimals.
   static const double kWhites[][4] = {
       {2, 0, 95.047, 108.883}, {2, 1, 94.811, 107.304}, {1, 0, 98.074, 118.232}};
   vq_xyz white, full, half, fallback, missing;
@@ -168,9 +173,9 @@ static void TestWhitePointsAndTristimulus(void) {
                {table[122], white.z, 0.0});
   }
 
-  /* A flat 50 % spectrum gives exactly half of the 100 % one (halving is exact in binary),
-   * and the 100 % one the white point within the tables' rounding. An illuminant without a
-   * table falls back to D65; a missing first point makes the whole triple missing. */
+  // A flat 50 % spectrum gives exactly half of the 100 % one (halving is exact in binary),
+  // and the 100 % one the white point within the tables' rounding. An illuminant without a
+  // table falls back to D65; a missing first point makes the whole triple missing.
   double spectrum[VQ_SPECTRUM_POINTS];
   Flat(spectrum, 100.0);
   CHECK_INT(0, vq_compute_xyz(spectrum, 2, 1, &full), VQ_OK);
@@ -187,8 +192,8 @@ static void TestWhitePointsAndTristimulus(void) {
 }
 
 static void TestBatches(void) {
-  /* 130 spectra, more than one internal chunk of vq_lab_batch: flat 1 % .. 130 %, with the
-   * first point of spectrum 7 missing. Batch results equal the single calls bit for bit. */
+  // 130 spectra, more than one internal chunk of vq_lab_batch: flat 1 % .. 130 %, with the
+  // first point of spectrum 7 missing. Batch results equal the single calls bit for bit.
   enum { kCount = 130 };
   static double spectra[kCount * VQ_SPECTRUM_POINTS];
   static vq_xyz xyz[kCount], xyz2[kCount];
@@ -235,16 +240,16 @@ static void TestColourSpaces(void) {
   vq_set_hue_in_degrees(0);
   vq_chroma_hue(0.0, 2.0, &c2, &quarterTurn);
   vq_set_hue_in_degrees(1);
-  /* CIELAB of 50 % of the white: L* = 116 x 0.5^(1/3) - 16, a* = 0.
-   * CIELAB round trip through the pair's white (the inverse keeps the library's six-digit
-   * offset, exact to about 4e-8 relative): C*ab = sqrt(20^2 + 30^2), hab = 360 - atan(30/20).
-   * CIELUV of the white: L* = 100, u* = 0, and back to the white.
-   * Classic Hunter Lab (C, 2 degree) of (50, 40, 30): L = 10 sqrt(40),
-   * a = 17.5 (1.02 x 50 - 40) / sqrt(40), b = 7 (40 - 0.847 x 30) / sqrt(40), and back.
-   * DIN99 of a neutral: L99 = 105.51 ln(1 + 0.0158 x 50), no chroma.
-   * Chromaticity of D65 / 2 degree: 95.047 / 303.93 and 100 / 303.93.
-   * Polar form of (3, 4): chroma 5, hue atan2(4, 3); in radian mode the +b axis is the
-   * rounded quarter turn 1.570796326795. */
+  // CIELAB of 50 % of the white: L* = 116 x 0.5^(1/3) - 16, a* = 0.
+  // CIELAB round trip through the pair's white (the inverse keeps the library's six-digit
+  // offset, exact to about 4e-8 relative): C*ab = sqrt(20^2 + 30^2), hab = 360 - atan(30/20).
+  // CIELUV of the white: L* = 100, u* = 0, and back to the white.
+  // Classic Hunter Lab (C, 2 degree) of (50, 40, 30): L = 10 sqrt(40),
+  // a = 17.5 (1.02 x 50 - 40) / sqrt(40), b = 7 (40 - 0.847 x 30) / sqrt(40), and back.
+  // DIN99 of a neutral: L99 = 105.51 ln(1 + 0.0158 x 50), no chroma.
+  // Chromaticity of D65 / 2 degree: 95.047 / 303.93 and 100 / 303.93.
+  // Polar form of (3, 4): chroma 5, hue atan2(4, 3); in radian mode the +b axis is the
+  // rounded quarter turn 1.570796326795.
   CHECK_REFS(0, {lab.l, 116.0 * cbrt(0.5) - 16.0, 1e-9}, {lab.a, 0.0, 1e-12},
              {back.l, 50.0, 1e-6}, {back.a, 20.0, 1e-6}, {back.c, sqrt(1300.0), 1e-6},
              {back.h, 360.0 - atan(1.5) * 57.29577951307855, 1e-5},
@@ -255,8 +260,8 @@ static void TestColourSpaces(void) {
              {x, 95.047 / 303.93, 1e-15}, {y, 100.0 / 303.93, 1e-15}, {c, 5.0, 1e-15},
              {h, 53.13010235415598, 1e-9}, {quarterTurn, 1.570796326795, 0.0});
 
-  /* Display RGB: twice the white saturates every channel at 255 (linear values >= 1), a
-   * missing sample is the neutral grey 192. */
+  // Display RGB: twice the white saturates every channel at 255 (linear values >= 1), a
+  // missing sample is the neutral grey 192.
   int32_t rgb[3];
   vq_xyz bright = {2.0 * white.x, 2.0 * white.y, 2.0 * white.z};
   CHECK_INT(0, vq_xyz_to_rgb(2, 0, &bright, rgb), VQ_OK);
@@ -273,13 +278,12 @@ static vq_sample LabSample(double l, double a, double b) {
 }
 
 static void TestDifferences(void) {
-  /* Sharma, Wu and Dalal (2005), Table 1: pairs 1, 7, 17, 25 and 34, CIEDE2000 to 4 decimals.
-   * Delta E*ab of the same pairs by hand: sqrt(dL^2 + da^2 + db^2). */
+  // Sharma, Wu and Dalal (2005), Table 1: pairs 1, 17 and 34, CIEDE2000 to 4 decimals (the
+  // formula's branches are tested in C++; here the system codes and the coordinates' routing).
+  // Delta E*ab of the same pairs by hand: sqrt(dL^2 + da^2 + db^2).
   static const double kPairs[][7] = {
       {50.0000, 2.6772, -79.7751, 50.0000, 0.0000, -82.7485, 2.0425},
-      {50.0000, 0.0000, 0.0000, 50.0000, -1.0000, 2.0000, 2.3669},
       {50.0000, 2.5000, 0.0000, 73.0000, 25.0000, -18.0000, 27.1492},
-      {60.2574, -34.0099, 36.2677, 60.4626, -34.1751, 39.4387, 1.2644},
       {2.0776, 0.0795, -1.1350, 0.9033, -0.0636, -0.5514, 0.9082},
   };
   vq_diff7 d, de2000;
@@ -298,9 +302,9 @@ static void TestDifferences(void) {
   vq_color_difference(&standard, &trial, VQ_DIFF_CMC, 2, 1, NULL, 0.0, &d);
   CHECK_MISSING(0, d.slot[6]);
 
-  /* One standard spectrum against trials: flat 50 % against flat 50 %, 60 % and a missing
-   * curve. The batch equals sample-by-sample calls exactly; 60 % against 50 % is a pure
-   * lightness step 116 (0.6^(1/3) - 0.5^(1/3)) within the tables' rounding of Yn. */
+  // One standard spectrum against trials: flat 50 % against flat 50 %, 60 % and a missing
+  // curve. The batch equals sample-by-sample calls exactly; 60 % against 50 % is a pure
+  // lightness step 116 (0.6^(1/3) - 0.5^(1/3)) within the tables' rounding of Yn.
   static double trials[3 * VQ_SPECTRUM_POINTS];
   double standardCurve[VQ_SPECTRUM_POINTS];
   Flat(standardCurve, 50.0);
@@ -330,8 +334,8 @@ static void TestDifferences(void) {
   CHECK_INT(0, vq_delta_e_batch(standardCurve, NULL, 0, VQ_DIFF_CIELAB, 2, 1, NULL, 0.0, NULL),
             VQ_OK);
 
-  /* Samples for DIN99 take kCH, kE from the weights; XYZ-only systems get missing
-   * coordinates. */
+  // Samples for DIN99 take kCH, kE from the weights; XYZ-only systems get missing
+  // coordinates.
   vq_xyz white;
   vq_sample din, fmc;
   vq_coords5 lab, expected;
@@ -345,7 +349,7 @@ static void TestDifferences(void) {
 }
 
 static void TestShades(void) {
-  /* Thresholds: |dL| >= 0.1 counts (inclusive), |da| and |db| > 0.1 (strict). */
+  // Thresholds: |dL| >= 0.1 counts (inclusive), |da| and |db| > 0.1 (strict).
   static const struct {
     double a, b, dl, da, db;
     const char* text;
@@ -365,7 +369,7 @@ static void TestShades(void) {
     for (int k = 0; k < 3; ++k) CHECK_INT(i * 10 + k, codes[k], kShades[i].codes[k]);
     for (int k = 0; k < 3; ++k) CHECK_INT(i * 10 + k, colours[k], kShades[i].colours[k]);
   }
-  /* A missing lightness difference: no text, code 0. */
+  // A missing lightness difference: no text, code 0.
   vq_coords5 standard = {50, 2, -3, 0, 0};
   vq_diff7 d = {{VQ_MISSING, 1, 1, 0, 0, 0, 0}};
   codes[0] = 7;
@@ -375,9 +379,9 @@ static void TestShades(void) {
 
 
 static void TestIndices(void) {
-  /* The white of a pair is its own reference: CIE whiteness = its Y, CIE tint 0, both
-   * filter values 100 %; ASTM E313-73 whiteness is defined for C / 2 degree only.
-   * Ganz/Griesser W = D Y + P x + Q y + C with coefficients (1, 0, 0, 0) is Y. */
+  // The white of a pair is its own reference: CIE whiteness = its Y, CIE tint 0, both
+  // filter values 100 %; ASTM E313-73 whiteness is defined for C / 2 degree only.
+  // Ganz/Griesser W = D Y + P x + Q y + C with coefficients (1, 0, 0, 0) is Y.
   vq_xyz white;
   vq_white_point(2, 1, &white);
   const double ganz[4] = {1.0, 0.0, 0.0, 0.0};
@@ -390,11 +394,11 @@ static void TestIndices(void) {
                 vq_e313_white_point(2, 0, &xn, &yn));
   vq_index(VQ_INDEX_WI_E313_73, 2, 1, &white, NULL, &e313);
   CHECK_MISSING(0, e313);
-  /* ASTM E313-10, table of white points: D65 / 2 degree (0.3127, 0.3290). */
+  // ASTM E313-10, table of white points: D65 / 2 degree (0.3127, 0.3290).
   CHECK_REFS(0, {wi, white.y, 1e-9}, {tint, 0.0, 1e-9}, {rz, 100.0, 1e-9}, {rx, 100.0, 1e-9},
              {ganzWi, white.y, 1e-12}, {xn, 0.3127, 0.0}, {yn, 0.3290, 0.0});
 
-  /* ASTM D1925 of (80, 85, 90) under C / 2 degree: 100 (1.28 x 80 - 1.06 x 90) / 85. */
+  // ASTM D1925 of (80, 85, 90) under C / 2 degree: 100 (1.28 x 80 - 1.06 x 90) / 85.
   vq_xyz sample[2] = {{80.0, 85.0, 90.0}, {VQ_MISSING, VQ_MISSING, VQ_MISSING}};
   double values[2];
   CHECK_INT(0, vq_index_batch(VQ_INDEX_YI_D1925, 1, 0, sample, 2, NULL, values), VQ_OK);
@@ -403,8 +407,8 @@ static void TestIndices(void) {
 }
 
 static void TestWavelengthAndFastness(void) {
-  /* Half way from the D65 / 2 degree white to the library's 2 degree locus point at 580 nm,
-   * (0.5124, 0.4867): 580 nm at purity 50 %; the white itself has purity 0. */
+  // Half way from the D65 / 2 degree white to the library's 2 degree locus point at 580 nm,
+  // (0.5124, 0.4867): 580 nm at purity 50 %; the white itself has purity 0.
   vq_xyz white;
   double xn, yn, nm, purity, indexPurity, whiteNm, whitePurity;
   vq_white_point(2, 0, &white);
@@ -418,10 +422,10 @@ static void TestWavelengthAndFastness(void) {
              {whitePurity, 0.0, 0.0});
   CHECK_MISSING(1, whiteNm);
 
-  /* Fastness of half the white against the white: a pure lightness step
-   * dE = 100 - (116 x 0.5^(1/3) - 16). ISO 105-A04: 6.1 - 1.45 ln dE (below 4, so it stands);
-   * ISO 105-A05: dE_F = dE, grade 5 - log2(dE / 0.85), step 1 (dE_F >= 11.6, the first
-   * threshold). Identical samples grade 5, step 5 (only the last threshold, 0, is reached). */
+  // Fastness of half the white against the white: a pure lightness step
+  // dE = 100 - (116 x 0.5^(1/3) - 16). ISO 105-A04: 6.1 - 1.45 ln dE (below 4, so it stands);
+  // ISO 105-A05: dE_F = dE, grade 5 - log2(dE / 0.85), step 1 (dE_F >= 11.6, the first
+  // threshold). Identical samples grade 5, step 5 (only the last threshold, 0, is reached).
   const vq_xyz half = {0.5 * white.x, 0.5 * white.y, 0.5 * white.z};
   const double de = 116.0 - 116.0 * cbrt(0.5);
   const struct {
@@ -443,10 +447,10 @@ static void TestWavelengthAndFastness(void) {
 
 
 static void TestStrength(void) {
-  /* Apparent strength is the ratio of the K/S sums. 50 % has K/S (0.5)^2 / 1 = 0.25 and
-   * R = (3 - sqrt 5) / 2 solves (1 - r)^2 / (2r) = 0.5, so that batch is twice as strong.
-   * Method 12 is the base (standard and batch exchanged), method 2 the same ratio at the
-   * user wavelength 520 nm. */
+  // Apparent strength is the ratio of the K/S sums. 50 % has K/S (0.5)^2 / 1 = 0.25 and
+  // R = (3 - sqrt 5) / 2 solves (1 - r)^2 / (2r) = 0.5, so that batch is twice as strong.
+  // Method 12 is the base (standard and batch exchanged), method 2 the same ratio at the
+  // user wavelength 520 nm.
   double standard[VQ_SPECTRUM_POINTS], batch[VQ_SPECTRUM_POINTS], strength;
   Flat(standard, 50.0);
   Flat(batch, 100.0 * (3.0 - sqrt(5.0)) / 2.0);
@@ -472,7 +476,7 @@ static void TestStrength(void) {
 }
 
 
-/* The polynomial c[0] x^2 + c[1] x + c[2], its coefficients passed as the context. */
+// The polynomial c[0] x^2 + c[1] x + c[2], its coefficients passed as the context.
 static double Polynomial(void* context, double x) {
   const double* c = (const double*)context;
   return (c[0] * x + c[1]) * x + c[2];
@@ -489,8 +493,8 @@ static void TestSearches(void) {
   CHECK_INT(1, vq_golden_section(Polynomial, kParabola, points, 1e-10), VQ_SEARCH_FOUND);
   CHECK_REFS(1, {points[0], 2.0, 1e-6}, {points[3], 1.0, 1e-12});
 
-  /* x - 1 rises from 0 to 0.5, so the walk runs on -(x - 1) toward larger x; the sign change
-   * between a = 0 and c = 0.5 + 1.618034 x 0.5 goes to the root finder: root 1. */
+  // x - 1 rises from 0 to 0.5, so the walk runs on -(x - 1) toward larger x; the sign change
+  // between a = 0 and c = 0.5 + 1.618034 x 0.5 goes to the root finder: root 1.
   double walk[6] = {0.0, 0.5, 0.0, 0.0, 0.0, 0.0};
   CHECK_INT(2, vq_bracket_extremum_or_root(Polynomial, kLinear, walk), VQ_SEARCH_ROOT);
   CHECK_NEAR(2, walk[0], 1.0, 1e-9);
@@ -520,8 +524,8 @@ static void TestSettings(void) {
 }
 
 static void TestDates(void) {
-  /* 1 000 000 000 s after the epoch is Sunday 9 September 2001, 01:46:40 UTC; the "C" locale
-   * writes MM/dd/yy and HH:mm:ss. */
+  // 1 000 000 000 s after the epoch is Sunday 9 September 2001, 01:46:40 UTC; the "C" locale
+  // writes MM/dd/yy and HH:mm:ss.
   const int64_t t = 1000000000;
   int64_t now = 0;
   int running = 0;
@@ -550,6 +554,7 @@ static void TestRefusedArguments(void) {
   vq_root_result root;
   CHECK_RESULTS(VQ_ERR_NULL, vq_string(384, NULL, 4), vq_compute_xyz(NULL, 2, 1, &xyz),
                 vq_xyz_batch(NULL, 1, 2, 0, &xyz), vq_lab_batch(spectra, 2, 2, 0, NULL, NULL),
+                vq_xyz_to_lab_batch(2, 1, &xyz, 1, NULL),
                 vq_color_difference(&sample, NULL, 0, 2, 1, NULL, 0.0, &d),
                 vq_difference_caption(VQ_DIFF_CMC, 0, NULL, 3, BUF),
                 vq_index(VQ_INDEX_WI_GANZ, 2, 1, &xyz, NULL, &value), /* no coefficients */
@@ -604,7 +609,7 @@ static void TestLog(void) {
   CHECK_INT(0, level, 2);
   CHECK_INT(0, vq_log_is_on(VQ_LOG_COLOR_SENSOR), 1);
 
-  /* Level 2: to the file, each line feed written as CR LF. */
+  // Level 2: to the file, each line feed written as CR LF.
   CHECK_INT(1, vq_log(VQ_LOG_GENERAL, "first\nsecond\n"), VQ_OK);
   FILE* file = fopen(logFile, "rb");
   const size_t length = file != NULL ? fread(text, 1, sizeof text - 1, file) : 0;
@@ -612,7 +617,7 @@ static void TestLog(void) {
   if (file != NULL) fclose(file);
   CHECK_INT(1, length, 15);
   CHECK_STR(1, text, "first\r\nsecond\r\n");
-  /* Level 1: to the message sink, with blanks and CR made visible in the send record. */
+  // Level 1: to the message sink, with blanks and CR made visible in the send record.
   CHECK_INT(2, vq_log_send("M 1\r", 3), VQ_OK);
   CHECK_INT(2, captured.count, 1);
   CHECK_INT(2, captured.kind, VQ_MESSAGE_INFORMATION);
@@ -621,8 +626,8 @@ static void TestLog(void) {
   vq_log_make_printable(raw, 5);
   CHECK_STR(3, raw, "a^bmj");
 
-  /* A log file beyond 1 MiB is deleted at the next write, which then fails: the file error
-   * reaches C as VQ_ERR_LOG_FILE, and both channels are switched off. */
+  // A log file beyond 1 MiB is deleted at the next write, which then fails: the file error
+  // reaches C as VQ_ERR_LOG_FILE, and both channels are switched off.
   static char block[4096];
   memset(block, 'x', sizeof block);
   file = fopen(logFile, "ab");
@@ -642,7 +647,7 @@ static int RemoveEntry(const char* path, const struct stat* info, int type, stru
 }
 
 int main(void) {
-  /* A fixed zone and locale for the date texts, and a scratch settings store. */
+  // A fixed zone and locale for the date texts, and a scratch settings store.
   setenv("TZ", "UTC0", 1);
   setenv("LC_ALL", "C", 1);
   tzset();

@@ -102,23 +102,20 @@ TEST(AngleSet, CurrentPositionStandsInForIndexOneHundred) {
   EXPECT_EQ(set.GetCodeAt(3), CAngleSet::kNoCode);
   EXPECT_EQ(set.GetAngleDegrees(100), 45.0);
   EXPECT_EQ(set.GetAngleDegrees(3), kMissing);
-
-  EXPECT_EQ(set.GetName(0), "110°");
-  EXPECT_EQ(set.GetName(100), "45°");
-  EXPECT_EQ(set.GetName(3), "");
-  EXPECT_EQ(set.GetSortedName(0), "15°");
-  EXPECT_EQ(set.GetSortedName(100), "45°");
-  EXPECT_EQ(set.GetSortedName(3), "");
-}
-
-TEST(AngleSet, OneAngleOrNoneHasNoNames) {
+  // Names: stored and sorted; a set of one angle or none has none.
   const CAngleSet one = MakeSet({k45});
-  const CAngleSet none;
-  for (unsigned p : {0u, 1u, 100u}) {
-    EXPECT_EQ(one.GetName(p), "") << p;
-    EXPECT_EQ(one.GetSortedName(p), "") << p;
-    EXPECT_EQ(none.GetName(p), "") << p;
+  const struct {
+    const CAngleSet* set;
+    unsigned position;
+    const char* name;
+    const char* sortedName;
+  } names[] = {{&set, 0, "110°", "15°"}, {&set, 100, "45°", "45°"}, {&set, 3, "", ""},
+               {&one, 0, "", ""},        {&one, 100, "", ""}};
+  for (const auto& n : names) {
+    EXPECT_EQ(n.set->GetName(n.position), n.name) << n.position;
+    EXPECT_EQ(n.set->GetSortedName(n.position), n.sortedName) << n.position;
   }
+  EXPECT_EQ(CAngleSet().GetName(0), "");
   EXPECT_EQ(one.GetCodeAt(0), k45);
   EXPECT_EQ(MakeSet({k45, kSCI}).GetName(1), "SCI");
 }
@@ -138,38 +135,21 @@ TEST(AngleSet, CopyAssignmentCopiesArraysAndCurrentPosition) {
   EXPECT_TRUE(target.IsSelected(1));
 }
 
-TEST(AngleSet, FindNearestTiesGoToTheEarlierStoredPosition) {
-  const double below = std::nextafter(20.0, 0.0);
-  const double above = std::nextafter(20.0, 100.0);
-  // 20 lies half-way between 15 and 25.
-  const CAngleSet up = MakeSet({k15, k25});
-  EXPECT_EQ(up.FindNearest(20.0), 0u);
-  EXPECT_EQ(up.FindNearest(below), 0u);
-  EXPECT_EQ(up.FindNearest(above), 1u);
-  const CAngleSet down = MakeSet({k25, k15});
-  EXPECT_EQ(down.FindNearest(20.0), 0u);
-  EXPECT_EQ(down.FindNearest(above), 0u);
-  EXPECT_EQ(down.FindNearest(below), 1u);
-  // Equal angles: the first stored wins.
-  EXPECT_EQ(MakeSet({k15, k45, kSCI}).FindNearest(45.0), 1u);
-  EXPECT_EQ(MakeSet({k15, kSCI, k45}).FindNearest(50.0), 1u);
-  // -15° and 0°: half-way is -7.5.
-  const CAngleSet low = MakeSet({kZero, kMinus15});
-  EXPECT_EQ(low.FindNearest(-7.5), 0u);
-  EXPECT_EQ(low.FindNearest(std::nextafter(-7.5, -8.0)), 1u);
-}
-
-TEST(AngleSet, FindNearestStartsFromTenThousandDegrees) {
-  // 15° is stored second; -9985 lies exactly 10000° from it, which is not strictly nearer
-  // than the starting distance, so position 0 stays.
-  const CAngleSet set = MakeSet({k110, k15});
-  EXPECT_EQ(set.FindNearest(-9985.0), 0u);
-  EXPECT_EQ(set.FindNearest(std::nextafter(-9985.0, 0.0)), 1u);
-  EXPECT_EQ(set.FindNearest(std::numeric_limits<double>::quiet_NaN()), 0u);
-  EXPECT_EQ(CAngleSet().FindNearest(15.0), 0u);
-}
-
-TEST(AngleSet, FindNearestToCode) {
+// Ties go to the earlier stored position; the search starts from 10000 degrees, which an angle
+// exactly that far away does not beat.
+TEST(AngleSet, FindNearest) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const double below = std::nextafter(20.0, 0.0), above = std::nextafter(20.0, 100.0);
+  // 20 is half-way between 15 and 25, -7.5 between -15 and 0; -9985 is 10000 from 15.
+  const struct { Codes codes; double angle; unsigned position; } cases[] = {
+      {{k15, k25}, 20.0, 0},  {{k15, k25}, below, 0},  {{k15, k25}, above, 1},
+      {{k25, k15}, 20.0, 0},  {{k25, k15}, above, 0},  {{k25, k15}, below, 1},
+      {{k15, k45, kSCI}, 45.0, 1}, {{k15, kSCI, k45}, 50.0, 1}, {{kZero, kMinus15}, -7.5, 0},
+      {{kZero, kMinus15}, std::nextafter(-7.5, -8.0), 1},     {{k110, k15}, -9985.0, 0},
+      {{k110, k15}, std::nextafter(-9985.0, 0.0), 1}, {{k110, k15}, nan, 0}, {{}, 15.0, 0}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(MakeSet(c.codes).FindNearest(c.angle), c.position) << c.angle;
+  }
   const CAngleSet set = MakeSet({k110, k15, k45});
   EXPECT_EQ(set.FindNearestToCode(kMinus15), 1u);
   EXPECT_EQ(set.FindNearestToCode(kSCI), 2u);  // key 450: at 45°

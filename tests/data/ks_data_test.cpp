@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <sstream>
 
+#include "reference_table.h"
+#include "tolerances.h"
 #include "velquor/frame/archive.h"
 #include "velquor/frame/numeric.h"
 
@@ -14,57 +17,26 @@ namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-struct ConvertCase {
-  int kind;
-  int useDensity;
-  double reflectance;
-  double expected;
-};
-
-class ConvertReflPointTest : public ::testing::TestWithParam<ConvertCase> {};
-
-TEST_P(ConvertReflPointTest, MatchesHandValues) {
-  const ConvertCase& c = GetParam();
-  const double got = ConvertReflPoint(c.reflectance, CReflMode{c.kind, c.useDensity});
-  if (std::isnan(c.expected)) {
-    EXPECT_TRUE(std::isnan(got));
-  } else if (std::isinf(c.expected)) {
-    EXPECT_EQ(got, c.expected);
-  } else {
-    EXPECT_NEAR(got, c.expected, 1e-12 * std::max(1.0, std::abs(c.expected)))
-        << "kind " << c.kind << " density " << c.useDensity << " R " << c.reflectance;
+TEST(ConvertReflPoint, MatchesHandValuesOnEveryBranch) {
+  for (const auto& row : test::LoadReferenceTable("reference/data_reflectance_conversions.csv")) {
+    const double expected = row.Number("expected");
+    const CReflMode mode{row.Integer("kind"), row.Integer("density")};
+    const double got = ConvertReflPoint(row.Number("reflectance"), mode);
+    if (std::isnan(expected)) {
+      EXPECT_TRUE(std::isnan(got)) << row.Where();
+    } else if (std::isinf(expected)) {
+      EXPECT_EQ(got, expected) << row.Where();
+    } else {
+      EXPECT_NEAR(got, expected, test::kExactFormula * std::max(1.0, std::abs(expected)))
+          << row.Where();
+    }
   }
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    AllBranches, ConvertReflPointTest,
-    ::testing::Values(
-        // kind 0 leaves everything alone, even NaN and the missing marker.
-        ConvertCase{0, 0, 42.5, 42.5}, ConvertCase{0, 1, -3.0, -3.0},
-        // Kubelka-Munk K/S = (1 - r)^2 / 2r, r = R / 100.
-        ConvertCase{1, 0, 100.0, 0.0}, ConvertCase{1, 0, 50.0, 0.25},
-        ConvertCase{1, 0, 0.01, 0.9999 * 0.9999 / 0.0002}, ConvertCase{1, 0, 0.009999999, 9999.0},
-        ConvertCase{1, 0, 0.0, 9999.0}, ConvertCase{1, 0, kNaN, 9999.0},
-        ConvertCase{1, 0, 1e-05, 9999.0},
-        // Optical density log10(100 / R); 4.3 below 0.01 %, 0 above 100 %.
-        ConvertCase{1, 1, 100.0, 0.0}, ConvertCase{1, 1, 10.0, 1.0},
-        ConvertCase{1, 1, 0.01, 4.0}, ConvertCase{1, 1, 0.009999999, 4.3},
-        ConvertCase{1, 1, 0.0, 4.3}, ConvertCase{1, 1, kNaN, 4.3},
-        ConvertCase{1, 1, 100.000001, 0.0},
-        ConvertCase{1, -7, 10.0, 1.0},  // any non-zero flag means density
-        // Logarithms of the value itself, unguarded.
-        ConvertCase{2, 0, 100.0, std::log(100.0)}, ConvertCase{2, 1, 0.005, std::log(0.005)},
-        ConvertCase{3, 0, 50.0, -std::log(50.0)}, ConvertCase{2, 0, -1.0, kNaN},
-        ConvertCase{3, 0, 0.0, std::numeric_limits<double>::infinity()},
-        // Unknown non-zero kinds behave as kind 1.
-        ConvertCase{4, 0, 50.0, 0.25}, ConvertCase{-1, 1, 10.0, 1.0}));
-
-TEST(DensityToReflectance, InvertsTheDensityBranch) {
+  // Density back to reflectance, with no limit on D.
   EXPECT_DOUBLE_EQ(DensityToReflectance(0.0), 100.0);
-  EXPECT_DOUBLE_EQ(DensityToReflectance(1.0), 10.0);
-  EXPECT_DOUBLE_EQ(DensityToReflectance(-1.0), 1000.0);  // no limit on D
-  for (double r : {0.01, 0.5, 3.7, 42.0, 99.9, 100.0}) {
-    EXPECT_NEAR(DensityToReflectance(ConvertReflPoint(r, CReflMode{1, 1})), r, 1e-12 * r);
+  EXPECT_DOUBLE_EQ(DensityToReflectance(-1.0), 1000.0);
+  for (double r : {0.01, 3.7, 42.0, 100.0}) {
+    EXPECT_NEAR(DensityToReflectance(ConvertReflPoint(r, CReflMode{1, 1})), r,
+                test::kExactFormula * r);
   }
 }
 
@@ -91,10 +63,13 @@ TEST(SpectralArithmetic, MissingPointsPropagateThroughBinaryOperations) {
     const double expected[] = {7.0 + 8.0, 7.0 - 8.0, 7.0 * 8.0, 7.0 / 8.0};
     EXPECT_EQ(a[6], expected[op]) << op;
   }
+  // Construction fills with 0 or, for an empty spectrum, the missing marker.
   CKSData one;
+  EXPECT_EQ(one.GetSize(), 40u);
+  EXPECT_EQ(one[39], 0.0);
   one.Fill(1.0);
   one.Add(CEmptySpectrum());
-  EXPECT_EQ(one[39], 1e-05);
+  for (std::size_t i = 0; i < 40; ++i) EXPECT_EQ(one[i], 1e-05) << i;
 }
 
 TEST(SpectralArithmetic, ScalarOperationsLeaveMissingAlone) {
@@ -127,17 +102,6 @@ TEST(SpectralArithmetic, ClampTestsLowFirstThenHigh) {
   inverted.Clamp(10.0, 5.0);  // low wins for values below it
   EXPECT_EQ(inverted[0], 10.0);
   EXPECT_EQ(inverted[20], 5.0);
-}
-
-TEST(SpectralCurves, ConstructionFills) {
-  const CKSData zero;
-  const CEmptySpectrum empty;
-  ASSERT_EQ(zero.GetSize(), 40u);
-  ASSERT_EQ(empty.GetSize(), 40u);
-  for (std::size_t i = 0; i < 40; ++i) {
-    EXPECT_EQ(zero[i], 0.0);
-    EXPECT_EQ(empty[i], kMissing);
-  }
 }
 
 std::string Store(CValueArray& array) {

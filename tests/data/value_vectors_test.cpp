@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "reference_table.h"
 #include "velquor/data/fixed_field.h"
 #include "velquor/frame/constants.h"
 
@@ -38,28 +39,9 @@ TEST(ColorVector7, ClampRangeLimitsBothEndsAndNaN) {
 }
 
 TEST(ParseFixedField, Examples) {
-  struct Case {
-    const char* field;
-    double expected;
-  };
-  const Case cases[] = {
-      {" 12.34", 12.34},
-      {"-1.5 ", kMissing},  // ends in a blank
-      {"-1.5", -1.5},
-      {"1,234", 1234.0},
-      {"12-", kMissing},  // negative-marked field
-      {"    ", kMissing},
-      {"+7", 7.0},
-      {"007.50", 7.5},
-      // The sign resets the divisor, dropping the scaling of "5"; "2" still counts as a decimal.
-      {"1.5-2", -15.2},
-      {"-.5", -0.5},
-      {"abc", 0.0},
-      {"1.2.3", 1.23},  // a second point changes nothing
-      {"5 kg", 5.0},
-  };
-  for (const Case& c : cases) {
-    EXPECT_DOUBLE_EQ(ParseFixedField(c.field), c.expected) << '"' << c.field << '"';
+  for (const auto& row : test::LoadReferenceTable("reference/data_fixed_fields.csv")) {
+    const double expected = row.Text("expected") == "missing" ? kMissing : row.Number("expected");
+    EXPECT_DOUBLE_EQ(ParseFixedField(row.Text("field").c_str()), expected) << row.Where();
   }
   EXPECT_EQ(ParseFixedField("", 0), kMissing);
   EXPECT_EQ(ParseFixedField(nullptr, 4), kMissing);

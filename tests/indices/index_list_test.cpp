@@ -227,7 +227,7 @@ TEST(IndexProfile, ListsAreCommaJoined) {
   const IndexList list = MakeList({{3, 0}, {1003, 550}, {4294967295u, 7}});
   ASSERT_TRUE(WriteIndexListProfile(profile, "Indices", "Selection", list));
   EXPECT_EQ(profile.GetProfileString("Indices", "Selection", "-"), "3,1003,4294967295");
-  EXPECT_EQ(profile.GetProfileString("INDICES", "selectionparameters", "-"), "0,550,7");
+  EXPECT_EQ(profile.GetProfileString("INDICES", "SELECTIONPARAMETERS", "-"), "0,550,7");
   IndexList loaded;
   ASSERT_TRUE(ReadIndexListProfile(profile, "Indices", "Selection", loaded));
   EXPECT_EQ(Entries(loaded), Entries(list));

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
@@ -9,6 +10,12 @@
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include "../tolerances.h"
+
+// The tool tests read the reference weights from the source tree.
+#define VELQUOR_TEST_DATA_DIR VELQUOR_SOURCE_DIR "/tests/data"
+#include "../reference_table.h"
 
 namespace wt = velquor::weight_tables;
 
@@ -18,8 +25,8 @@ const std::filesystem::path kRoot = VELQUOR_SOURCE_DIR;
 const std::filesystem::path kCieDir = kRoot / "velquor/resources/cie";
 const std::filesystem::path kWeightsDir = kRoot / "velquor/resources/weights";
 
-constexpr double kExact = 1e-12;     // algebraic identities in double arithmetic
-constexpr double kReference = 1e-9;  // reference weights are printed to 10 decimals
+using velquor::test::kExactFormula;
+using velquor::test::kIndependent;  // the reference weights are printed to 10 decimals
 
 std::string ReadText(const std::filesystem::path& path) {
   std::ifstream in(path, std::ios::binary);
@@ -62,10 +69,10 @@ TEST(LagrangeStencil, ReproducesPolynomialsOfItsDegree) {
         quadratic += s.coefficients[i] * Quadratic(x);
         cubic += s.coefficients[i] * Cubic(x);
       }
-      EXPECT_NEAR(sum, 1.0, kExact);
-      EXPECT_NEAR(quadratic, Quadratic(c.k + t), kExact);
+      EXPECT_NEAR(sum, 1.0, kExactFormula);
+      EXPECT_NEAR(quadratic, Quadratic(c.k + t), kExactFormula);
       if (c.cubic) {
-        EXPECT_NEAR(cubic, Cubic(c.k + t), kExact);
+        EXPECT_NEAR(cubic, Cubic(c.k + t), kExactFormula);
       }
       if (step == 0) {
         EXPECT_EQ(s.coefficients[c.k - s.firstNode], 1.0);  // the node itself
@@ -83,7 +90,7 @@ TEST(ResampleTo1nm, FiveNanometreDataInterpolatedWithinRangeAndZeroOutside) {
   // 380-385 and 775-780 are the quadratic end intervals, 400-405 a cubic one.
   for (int nm : {380, 381, 383, 384, 385, 402, 404, 777, 779, 780}) {
     SCOPED_TRACE(nm);
-    EXPECT_NEAR(grid[nm - 360], Quadratic(nm / 10.0), nm % 5 == 0 ? 0.0 : 1e-9);
+    EXPECT_NEAR(grid[nm - 360], Quadratic(nm / 10.0), nm % 5 == 0 ? 0.0 : kIndependent);
   }
   for (int nm : {360, 379, 781, 830}) EXPECT_EQ(grid[nm - 360], 0.0) << nm;
 }
@@ -121,8 +128,8 @@ TEST(SpreadOnto10nmNodes, IsTransposeOfInterpolation) {
     spread += nodes[m] * Quadratic(static_cast<double>(m));
     nodeSum += nodes[m];
   }
-  EXPECT_NEAR(spread, direct, 1e-9);
-  EXPECT_NEAR(nodeSum, plain, 1e-9);
+  EXPECT_NEAR(spread, direct, kIndependent);
+  EXPECT_NEAR(nodeSum, plain, kIndependent);
 }
 
 TEST(FoldInto750nm, AddsNodes760To830Into750) {
@@ -185,22 +192,10 @@ TEST(SerializeWeightTable, LittleEndianDoublesInXYZWhiteOrder) {
 
 // ---------------------------------------------------------------- the 34 tables
 
-struct WhitePoint {
-  const char* code;
-  double x2, z2, x10, z10;
-};
-// The white points the library's tables are identified by (Yn = 100).
-constexpr WhitePoint kWhitePoints[wt::kIlluminantCount] = {
-    {"A", 109.85, 35.585, 111.144, 35.2},      {"C", 98.074, 118.232, 97.285, 116.145},
-    {"D65", 95.047, 108.883, 94.811, 107.304}, {"CWF", 99.186, 67.393, 103.279, 69.027},
-    {"T84", 100.962, 64.35, 103.863, 65.607},  {"D50", 96.422, 82.521, 96.72, 81.427},
-    {"D55", 95.682, 92.149, 95.799, 90.926},   {"D75", 94.972, 122.638, 94.416, 120.641},
-    {"U50", 94.629, 77.449, 97.71, 78.656},    {"U30", 104.337, 38.2, 107.824, 39.015},
-    {"F6", 97.343, 60.262, 102.18, 62.109},    {"F7", 95.041, 108.747, 95.792, 107.686},
-    {"F8", 96.428, 82.42, 97.118, 81.186},     {"F10", 96.385, 82.354, 98.956, 83.286},
-    {"H23", 117.789, 22.889, 119.234, 22.461}, {"HM", 119.475, 21.358, 120.841, 20.905},
-    {"F4", 109.173, 40.275, 112.131, 40.759},
-};
+// The illuminant codes of the tables, in table order.
+constexpr const char* kCodes[wt::kIlluminantCount] = {
+    "A", "C", "D65", "CWF", "T84", "D50", "D55", "D75", "U50",
+    "U30", "F6", "F7", "F8", "F10", "H23", "HM", "F4"};
 
 class CommittedTables : public testing::Test {
  protected:
@@ -231,66 +226,48 @@ TEST_F(CommittedTables, RegeneratedTablesMatchCommittedFilesByteForByte) {
   EXPECT_EQ(ReadText(kWeightsDir / "README.md"), wt::ProvenanceMarkdown(built_));
 }
 
-TEST_F(CommittedTables, SizeYSumWhitePointAndFlatReflectance) {
-  for (int i = 0; i < 17; ++i) {
-    for (int degrees : {2, 10}) {
-      SCOPED_TRACE(FileName(i, degrees));
-      const std::string bytes = Committed(i, degrees);
-      ASSERT_EQ(bytes.size(), 984u);
-      const auto d = Doubles(bytes);
-      const WhitePoint& wp = kWhitePoints[i];
-      const double expected[3] = {degrees == 2 ? wp.x2 : wp.x10, 100.0,
-                                  degrees == 2 ? wp.z2 : wp.z10};
-      EXPECT_EQ(d[121], 100.0);
-      for (int c = 0; c < 3; ++c) {
-        double flat = 0;  // reflectance 1 at every band
-        for (int b = 0; b < 40; ++b) flat += d[40 * c + b];
-        EXPECT_NEAR(d[120 + c], expected[c], 0.0005) << "component " << c;
-        EXPECT_NEAR(flat, d[120 + c], kReference) << "component " << c;
-        if (c == 1) {
-          EXPECT_NEAR(flat, 100.0, 0.005);
-        }
-      }
+// The white points themselves are checked against the reference weights below.
+TEST_F(CommittedTables, SizeYSumAndFlatReflectance) {
+  for (int i = 0; i < 34; ++i) {
+    SCOPED_TRACE(FileName(i / 2, i % 2 ? 10 : 2));
+    const std::string bytes = Committed(i / 2, i % 2 ? 10 : 2);
+    ASSERT_EQ(bytes.size(), 984u);
+    const auto d = Doubles(bytes);
+    EXPECT_EQ(d[121], 100.0);
+    for (int c = 0; c < 3; ++c) {
+      double flat = 0;  // reflectance 1 at every band
+      for (int b = 0; b < 40; ++b) flat += d[40 * c + b];
+      EXPECT_NEAR(flat, d[120 + c], kIndependent) << "component " << c;
     }
   }
 }
 
 TEST_F(CommittedTables, MatchReferenceWeights) {
-  std::ifstream in(kRoot / "tests/data/reference_weights_10nm.csv");
-  std::string line;
-  std::getline(in, line);  // header
-  int rows = 0;
-  while (std::getline(in, line)) {
-    std::istringstream fields(line);
-    std::string code, observer, component, value;
-    std::getline(fields, code, ',');
-    std::getline(fields, observer, ',');
-    std::getline(fields, component, ',');
-    int i = 0;
-    while (i < 17 && code != kWhitePoints[i].code) ++i;
-    ASSERT_LT(i, 17) << code;
-    const auto d = Doubles(Committed(i, std::stoi(observer)));
-    const int c = static_cast<int>(std::string("XYZ").find(component));
+  const auto& table = velquor::test::LoadReferenceTable("reference_weights_10nm.csv");
+  ASSERT_EQ(table.size(), 102u);
+  for (const auto& row : table) {
+    const int i = static_cast<int>(std::find(kCodes, kCodes + 17, row.Text("illuminant")) - kCodes);
+    ASSERT_LT(i, 17) << row.Where();
+    const auto d = Doubles(Committed(i, row.Integer("observer")));
+    const int c = static_cast<int>(std::string("XYZ").find(row.Text("component")));
     for (int b = 0; b <= 40; ++b) {  // 40 weights, then the white point
-      std::getline(fields, value, ',');
-      EXPECT_NEAR(d[b < 40 ? 40 * c + b : 120 + c], std::stod(value), kReference)
-          << code << "/" << observer << " " << component << " column " << b;
+      EXPECT_NEAR(d[b < 40 ? 40 * c + b : 120 + c],
+                  row.Number(b < 40 ? std::to_string(360 + 10 * b) : "white_point"), kIndependent)
+          << row.Where() << " column " << b;
     }
-    ++rows;
   }
-  EXPECT_EQ(rows, 102);
 }
 
 // Before pinning, the CIE lamps must reproduce the ASTM E308 white points on their own
 // (published checks: D65 2° 95.0471/108.8829, A 10° 111.1440/35.2000, F11 2° 100.9624/64.3498),
 // and the constructed lamps must need only small corrections.
 TEST_F(CommittedTables, UnpinnedWhitePointsAndPinningFactors) {
-  EXPECT_NEAR(Built(2, 2).unpinnedWhite[0], 95.0471, 5e-5);
-  EXPECT_NEAR(Built(2, 2).unpinnedWhite[2], 108.8829, 5e-5);
-  EXPECT_NEAR(Built(0, 10).unpinnedWhite[0], 111.1440, 5e-5);
-  EXPECT_NEAR(Built(0, 10).unpinnedWhite[2], 35.2000, 5e-5);
-  EXPECT_NEAR(Built(4, 2).unpinnedWhite[0], 100.9624, 5e-5);
-  EXPECT_NEAR(Built(4, 2).unpinnedWhite[2], 64.3498, 5e-5);
+  const struct { int illuminant, degrees; double x, z; } published[] = {
+      {2, 2, 95.0471, 108.8829}, {0, 10, 111.1440, 35.2000}, {4, 2, 100.9624, 64.3498}};
+  for (const auto& p : published) {
+    EXPECT_NEAR(Built(p.illuminant, p.degrees).unpinnedWhite[0], p.x, velquor::test::kFourDecimals);
+    EXPECT_NEAR(Built(p.illuminant, p.degrees).unpinnedWhite[2], p.z, velquor::test::kFourDecimals);
+  }
   for (const wt::WeightTable& t : built_) {
     const bool constructed = t.illuminant == 8 || t.illuminant == 9 || t.illuminant >= 14;
     const double limit = constructed ? 0.0082 : 0.00004;
