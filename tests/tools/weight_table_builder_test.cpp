@@ -11,11 +11,9 @@
 #include <string>
 #include <vector>
 
-#include "../tolerances.h"
+#include "tolerances.h"
 
-// The tool tests read the reference weights from the source tree.
-#define VELQUOR_TEST_DATA_DIR VELQUOR_SOURCE_DIR "/tests/data"
-#include "../reference_table.h"
+#include "reference_table.h"
 
 namespace wt = velquor::weight_tables;
 
