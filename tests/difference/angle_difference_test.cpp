@@ -14,9 +14,7 @@ using difference_testing::RawSample;
 
 CValueVector5 Reference(double l, double q, double h) {
   CValueVector5 r;
-  r[0] = l;
-  r[3] = q;
-  r[4] = h;
+  r[0] = l, r[3] = q, r[4] = h;
   return r;
 }
 

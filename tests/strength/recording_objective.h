@@ -11,11 +11,7 @@ namespace velquor::testing {
 struct RecordingObjective {
   std::function<double(double)> f;
   std::vector<double> xs;
-
-  double operator()(double x) {
-    xs.push_back(x);
-    return f(x);
-  }
+  double operator()(double x) { return xs.push_back(x), f(x); }
   int Count() const { return static_cast<int>(xs.size()); }
   bool AllDistinct() const {
     std::vector<double> sorted = xs;
