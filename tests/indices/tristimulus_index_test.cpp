@@ -1,96 +1,132 @@
-// Which illuminant/observer pairs each whiteness, tint and yellowness operation accepts, from
-// both sides of every rule, and the missing value for refused pairs and unusable samples.
+// Whiteness, tint and yellowness against hand calculations from the published formulas, the
+// illuminant/observer pairs each flavour accepts, and the results of unusable samples.
 #include <gtest/gtest.h>
 
-#include <vector>
+#include <cmath>
+#include <sstream>
+#include <string_view>
 
+#include "reference_table.h"
 #include "tristimulus_index_test_support.h"
 #include "velquor/frame/numeric.h"
+#include "velquor/indices/tint.h"
+#include "velquor/indices/whiteness.h"
+#include "velquor/indices/yellowness.h"
 
 namespace velquor {
 namespace {
 
 using namespace tristimulus_index_testing;
+using IndexFn = double (*)(int, int, const CValueVector3&);
 
-struct Pair {
-  int illuminant, observer;
+// Ganz/Griesser calibration coefficients of the kind an instrument supplies.
+constexpr double kGanzWhiteness[4] = {1.0, -1868.322, -3695.690, 1809.441};  // D P Q C
+constexpr double kGanzTint[3] = {-1001.223, 748.366, 68.261};                // m n k0
+
+struct NamedIndex {
+  std::string_view name;
+  IndexFn fn;
+  bool c2Only;  // defined for C / 2 degree only
 };
 
-struct Rule {
-  const char* name;
-  std::vector<Pair> accepted, refused;
+// From "WI E313-73 (R)" on, every operation accepts every pair.
+constexpr std::size_t kFirstOpenIndex = 14;
+constexpr NamedIndex kIndices[] = {
+    {"WI E313-73", WhitenessE313_73, true}, {"Taube", WhitenessTaube, true},
+    {"YI D1925", YellownessD1925, true}, {"YI E313-73", YellownessE313_73, true},
+    {"YI DCM Y", YellownessDCMY, true}, {"Berger", WhitenessBerger, false},
+    {"WI CIE", WhitenessCIE, false}, {"Tint CIE", TintCIE, false},
+    {"WI E313-10", WhitenessE313_10, false}, {"Tint E313-10", TintE313_10, false},
+    {"YI E313-10", YellownessE313_10, false}, {"YI DIN 6167", YellownessDIN6167, false},
+    {"WI Griesser",
+     [](int i, int o, const CValueVector3& s) { return WhitenessGanz(i, o, s, kGanzWhiteness); },
+     false},
+    {"Tint Griesser",
+     [](int i, int o, const CValueVector3& s) { return TintGanz(i, o, s, kGanzTint); }, false},
+    {"WI E313-73 (R)", WhitenessE313_73R, false}, {"Taube (R)", WhitenessTaubeR, false},
+    {"Berger (R)", WhitenessBergerR, false}, {"WI CIE (R)", WhitenessCIER, false},
+    {"Stensby", WhitenessStensby, false}, {"Hunter", WhitenessHunter, false},
+    {"Tint CIE (R)", TintCIER, false}, {"YI D1925 (R)", YellownessD1925R, false},
+    {"YI E313-73 (R)", YellownessE313_73R, false}, {"YI E313-10 (R)", YellownessE313_10R, false},
+    {"YI DIN 6167 (R)", YellownessDIN6167R, false},
 };
 
-// Observer code 7 stands for "any non-zero code", which all operations but the Ganz/Griesser
-// pair treat as the 10 degree observer.
-const std::vector<Pair> kC2Accepted = {{kC, 0}};
-const std::vector<Pair> kC2Refused = {{kC, 1}, {kC, 7}, {kD65, 0}, {kA, 0}, {kD50, 0}};
-const std::vector<Pair> kD65Accepted = {{kD65, 0}, {kD65, 1}, {kD65, 7}};
-const std::vector<Pair> kE313_10Accepted = {{kC, 0},   {kC, 1},   {kD65, 0},
-                                            {kD65, 1}, {kD50, 0}, {kD50, 7}};
-const std::vector<Pair> kGanzRefused = {{kD65, 0}, {kD65, 2}, {kD65, 7}, {kC, 1}};
+IndexFn IndexByName(std::string_view name) {
+  for (const NamedIndex& index : kIndices) {
+    if (index.name == name) return index.fn;
+  }
+  ADD_FAILURE() << "no index named " << name;
+  return [](int, int, const CValueVector3&) { return 0.0; };
+}
 
-const Rule kRules[] = {
-    {"WI E313-73", kC2Accepted, kC2Refused},
-    {"Taube", kC2Accepted, kC2Refused},
-    {"YI D1925", kC2Accepted, kC2Refused},
-    {"YI E313-73", kC2Accepted, kC2Refused},
-    {"YI DCM Y", kC2Accepted, kC2Refused},
-    // D65 only; C/2 refused although Berger's 2 degree pair was published for it.
-    {"Berger", kD65Accepted, {{kC, 0}, {kC, 1}, {kD50, 0}, {kA, 1}, {kD55, 0}}},
-    {"WI CIE", kD65Accepted, {{kC, 0}, {kC, 1}, {kD50, 1}, {kA, 0}}},
-    {"Tint CIE", kD65Accepted, {{kC, 0}, {kD50, 1}, {kA, 0}}},
-    {"WI E313-10",
-     kE313_10Accepted,
-     {{kA, 0}, {kCWF, 0}, {kT84, 1}, {kD55, 0}, {kF4, 0}, {-1, 0}, {17, 0}}},
-    {"Tint E313-10", kE313_10Accepted, {{kA, 0}, {kCWF, 0}, {kT84, 1}, {kD55, 0}, {kF4, 0}}},
-    {"WI Griesser", {{kD65, 1}}, kGanzRefused},  // observer code exactly 1
-    {"Tint Griesser", {{kD65, 1}}, kGanzRefused},
-    {"YI E313-10",
-     {{kC, 0}, {kC, 1}, {kD65, 0}, {kD65, 1}, {kD65, 7}},
-     {{kD50, 0}, {kD50, 1}, {kA, 0}, {kD55, 1}}},
-    {"YI DIN 6167",
-     {{kC, 0}, {kD65, 0}, {kD65, 1}, {kD65, 7}},  // not C/10
-     {{kC, 1}, {kC, 7}, {kD50, 0}, {kA, 0}}},
-};
-
-TEST(IndexAcceptance, PlainFlavoursAcceptOnlyTheirPairs) {
-  const CValueVector3 s1 = Sample(kS1);
-  CValueVector3 empty;
-  empty.SetSize(0);
-  for (const Rule& rule : kRules) {
-    const IndexFn fn = IndexByName(rule.name);
-    for (const Pair& p : rule.accepted) {
-      EXPECT_FALSE(IsMissing(fn(p.illuminant, p.observer, s1)))
-          << rule.name << " accepts " << p.illuminant << "/" << p.observer;
-    }
-    for (const Pair& p : rule.refused) {
-      EXPECT_EQ(fn(p.illuminant, p.observer, s1), kMissing)
-          << rule.name << " refuses " << p.illuminant << "/" << p.observer;
-      EXPECT_EQ(fn(p.illuminant, p.observer, empty), kMissing) << rule.name;
+TEST(TristimulusIndex, MatchesHandCalculations) {
+  for (const char* table : {"reference/whiteness_tint.csv", "reference/yellowness.csv"}) {
+    for (const test::ReferenceRow& row : test::LoadReferenceTable(table)) {
+      SCOPED_TRACE(row.Where());
+      ExpectClose(IndexByName(row.Text("index"))(
+                      row.Integer("illuminant"), row.Integer("observer"),
+                      Sample(row.Number("X"), row.Number("Y"), row.Number("Z"))),
+                  row.Number("expected"));
     }
   }
 }
 
-TEST(IndexAcceptance, OpenOperationsAcceptEveryPair) {
-  const CValueVector3 s2 = Sample(kS2);
-  for (std::size_t i = kFirstOpenIndex; i < std::size(kIndices); ++i) {
-    const NamedIndex& index = kIndices[i];
-    for (int illuminant = 0; illuminant < 17; ++illuminant) {
-      for (int observer : {0, 1}) {
-        EXPECT_FALSE(IsMissing(index.fn(illuminant, observer, s2)))
-            << index.name << " " << illuminant << "/" << observer;
+// Hunter a, b and the yellowness quotients divide by (the root of) Y unguarded: at Y = 0 the
+// floating-point infinity or NaN (0 / 0) comes back, never the missing value. Stensby and
+// Hunter in their classic (C/2) and white-point (D65/2) forms.
+TEST(TristimulusIndex, ZeroYGivesTheFloatingPointResult) {
+  for (IndexFn fn : {WhitenessStensby, WhitenessHunter}) {
+    for (int illuminant : {kC, kD65}) {
+      EXPECT_EQ(fn(illuminant, 0, Sample(10, 0, 20)), INFINITY) << illuminant;
+      EXPECT_TRUE(std::isnan(fn(illuminant, 0, Sample(0, 0, 0)))) << illuminant;
+    }
+  }
+  EXPECT_EQ(YellownessD1925(kC, 0, Sample(1.0, 0.0, 1.0)), INFINITY);  // 100 x 0.22 / 0
+  EXPECT_EQ(YellownessE313_73(kC, 0, Sample(1.0, 0.0, 1.0)), -INFINITY);
+  EXPECT_TRUE(std::isnan(YellownessD1925(kC, 0, Sample(1.06, 0.0, 1.28))));
+  EXPECT_EQ(YellownessDIN6167R(kD65, 1, Sample(1.0, 0.0, 0.0)), INFINITY);
+  EXPECT_EQ(WhitenessGanz(kD65, 1, Sample(86, 90, 108), nullptr), kMissing);
+  EXPECT_EQ(TintGanz(kD65, 1, Sample(86, 90, 108), nullptr), kMissing);
+}
+
+// Every rule from both sides: an accepted pair gives a value, a refused one the missing value.
+TEST(TristimulusIndex, PlainFlavoursAcceptOnlyTheirPairs) {
+  const CValueVector3 s1 = Sample(kS1[0], kS1[1], kS1[2]);
+  CValueVector3 empty;
+  empty.SetSize(0);
+  for (const test::ReferenceRow& row : test::LoadReferenceTable("reference/index_acceptance.csv")) {
+    const IndexFn fn = IndexByName(row.Text("index"));
+    for (const char* column : {"accepted", "refused"}) {
+      std::istringstream pairs(row.Text(column));
+      int illuminant = 0, observer = 0;
+      char slash = 0;
+      while (pairs >> illuminant >> slash >> observer) {
+        SCOPED_TRACE(testing::Message() << row.Where() << " " << illuminant << "/" << observer);
+        EXPECT_EQ(IsMissing(fn(illuminant, observer, s1)), column[0] == 'r');
+        EXPECT_EQ(fn(illuminant, observer, empty), kMissing);
       }
     }
-    // An illuminant without a weighting table takes the D65 white, as the tristimulus
-    // values themselves do.
-    EXPECT_EQ(index.fn(40, 1, s2), index.fn(kD65, 1, s2)) << index.name;
+  }
+}
+
+// An illuminant without a weighting table (40) takes the D65 white, as the tristimulus values
+// themselves do.
+TEST(TristimulusIndex, OpenOperationsAcceptEveryPair) {
+  const CValueVector3 s2 = Sample(kS2[0], kS2[1], kS2[2]);
+  for (std::size_t i = kFirstOpenIndex; i < std::size(kIndices); ++i) {
+    for (int illuminant = 0; illuminant < 17; ++illuminant) {
+      for (int observer : {0, 1}) {
+        EXPECT_FALSE(IsMissing(kIndices[i].fn(illuminant, observer, s2)))
+            << kIndices[i].name << " " << illuminant << "/" << observer;
+      }
+    }
+    EXPECT_EQ(kIndices[i].fn(40, 1, s2), kIndices[i].fn(kD65, 1, s2)) << kIndices[i].name;
   }
 }
 
 // A sample missing as a whole (all three values 1e-05, or fewer than three values) gives the
 // missing value on an accepted pair; one missing value alone does not.
-TEST(IndexAcceptance, UnusableSampleGivesMissing) {
+TEST(TristimulusIndex, UnusableSampleGivesMissing) {
   CValueVector3 shortSample;
   shortSample.SetSize(2);
   for (const NamedIndex& index : kIndices) {
