@@ -27,12 +27,10 @@ struct OneWayBuffer : std::streambuf {
 
 // Below 0xFFFF a 16-bit count; from 0xFFFF on, the escape 0xFFFF and then the 32-bit count.
 TEST(Archive, CountsAndValuesAsLittleEndianImages) {
-  const std::pair<std::uint64_t, std::string> cases[] = {
-      {0, "\x00\x00"s},
-      {0xFFFE, "\xFE\xFF"s},
-      {0xFFFF, "\xFF\xFF\xFF\xFF\x00\x00"s},
-      {70000, "\xFF\xFF\x70\x11\x01\x00"s},
-  };
+  const std::pair<std::uint64_t, std::string> cases[] = {{0, "\x00\x00"s},
+                                                         {0xFFFE, "\xFE\xFF"s},
+                                                         {0xFFFF, "\xFF\xFF\xFF\xFF\x00\x00"s},
+                                                         {70000, "\xFF\xFF\x70\x11\x01\x00"s}};
   for (const auto& [count, bytes] : cases) {
     std::ostringstream out;
     CArchive(out).WriteCount(count);
@@ -44,8 +42,9 @@ TEST(Archive, CountsAndValuesAsLittleEndianImages) {
   CArchive storing(out);
   storing << 1.0 << std::int32_t{-2} << std::uint16_t{0x1234};
   storing.WriteCount(0xFFFFFFFF);
-  EXPECT_EQ(out.str(), "\x00\x00\x00\x00\x00\x00\xF0\x3F\xFE\xFF\xFF\xFF\x34\x12"
-                       "\xFF\xFF\xFF\xFF\xFF\xFF"s);
+  EXPECT_EQ(out.str(),
+            "\x00\x00\x00\x00\x00\x00\xF0\x3F\xFE\xFF\xFF\xFF\x34\x12"
+            "\xFF\xFF\xFF\xFF\xFF\xFF"s);
   EXPECT_THROW(storing.WriteCount(0x100000000ull), ArchiveError);
   EXPECT_THROW(storing.ReadCount(), ArchiveError);
   std::istringstream in("\x01\x00"s);
@@ -62,8 +61,7 @@ TEST(ArchiveHostile, TruncatedAndOversizedStreamsFailCleanly) {
       {claimsFourBillion + "\x01\x02\x03\x04"s, false, kBadCount},
       {claimsFourBillion + std::string(24, '\0'), true, kEndOfFile},
       {"\xFF"s, false, kEndOfFile},  // inside the count
-      {"\xFF\xFF\x01"s, true, kEndOfFile},
-  };
+      {"\xFF\xFF\x01"s, true, kEndOfFile}};
   for (auto [bytes, oneWay, cause] : cases) {
     OneWayBuffer buffer(bytes);
     std::istringstream seekable(bytes);

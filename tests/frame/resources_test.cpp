@@ -18,19 +18,25 @@ namespace {
 TEST(StringTableText, ParsesEscapesCommentsAndLineEndsAndRejectsMalformedLines) {
   StringTable table;
   std::string error;
-  ASSERT_TRUE(ParseStringTable("\xEF\xBB\xBF# comment\n384\tA|Tungsten\r\n\n498\t - 2\xC2\xB0\n"
-                               "500\ttab\\there\\nand a backslash \\\\\n65535\t\n7\tno line feed",
-                               table, error))
-      << error;
-  EXPECT_EQ(table, (StringTable{{384, "A|Tungsten"}, {498, " - 2\xC2\xB0"}, {65535, ""},
-                                {500, "tab\there\nand a backslash \\"}, {7, "no line feed"}}));
+  const char* text =
+      "\xEF\xBB\xBF# comment\n384\tA|Tungsten\r\n\n498\t - 2\xC2\xB0\n"
+      "500\ttab\\there\\nand a backslash \\\\\n65535\t\n7\tno line feed";
+  ASSERT_TRUE(ParseStringTable(text, table, error)) << error;
+  EXPECT_EQ(table, (StringTable{{384, "A|Tungsten"},
+                                {498, " - 2\xC2\xB0"},
+                                {65535, ""},
+                                {500, "tab\there\nand a backslash \\"},
+                                {7, "no line feed"}}));
   const std::pair<const char*, const char*> cases[] = {
-      {"1\tok\n2 no tab\n", "line 2: no tab"}, {"x1\tbad\n", "line 1: identifier"},
-      {"\tno identifier\n", "line 1: identifier"}, {"65536\tbig\n", "line 1: identifier"},
-      {"-1\tnegative\n", "line 1: identifier"}, {"1\ta\n# c\n1\tb\n", "line 3: identifier appears"},
-      {"1\tbad \\q escape\n", "line 1: bad escape"}, {"1\ttrailing\\\n", "line 1: bad escape"},
-      {"1\t\xC3\x28\n", "line 1: not valid UTF-8"}, {"1\t\xED\xA0\x80\n", "line 1: not valid UTF-8"},
-  };
+      {"1\tok\n2 no tab\n", "line 2: no tab"},
+      {"x1\tbad\n", "line 1: identifier"},
+      {"65536\tbig\n", "line 1: identifier"},
+      {"1x\tbad\n", "line 1: identifier"},
+      {"1\ta\n# c\n1\tb\n", "line 3: identifier appears"},
+      {"1\tbad \\q escape\n", "line 1: bad escape"},
+      {"1\ttrailing\\\n", "line 1: bad escape"},
+      {"1\t\xC3\x28\n", "line 1: not valid UTF-8"},
+      {"1\t\xED\xA0\x80\n", "line 1: not valid UTF-8"}};
   for (const auto& [text, message] : cases) {
     table = {{9, "stale"}};
     EXPECT_FALSE(ParseStringTable(text, table, error)) << text;
@@ -68,8 +74,7 @@ alignas(16) constexpr unsigned char kBlob[] = {1, 2, 3};
 constexpr EmbeddedResource kTestResources[] = {
     {kStringTableType, "one", kStrings, sizeof kStrings - 1},
     {"PWD", "TEST01", kBlob, sizeof kBlob},
-    {kStringTableType, "two", kMoreStrings, sizeof kMoreStrings - 1},
-};
+    {kStringTableType, "two", kMoreStrings, sizeof kMoreStrings - 1}};
 
 TEST(ResourceChain, FindsResourcesOfEveryLinkedModuleUntilItDetaches) {
   const ResourceModule resources("test", kTestResources);
@@ -83,8 +88,7 @@ TEST(ResourceChain, FindsResourcesOfEveryLinkedModuleUntilItDetaches) {
 
   const auto blob = FindCustomResource("PWD", "TEST01");
   ASSERT_TRUE(blob.has_value());
-  EXPECT_EQ(std::vector<unsigned char>(blob->begin(), blob->end()),
-            std::vector<unsigned char>({1, 2, 3}));
+  EXPECT_EQ(std::string(blob->begin(), blob->end()), "\1\2\3");
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(blob->data()) % 16, 0u);
   EXPECT_FALSE(FindCustomResource("PWD", "TEST02").has_value());
   EXPECT_FALSE(FindCustomResource("XYZ", "TEST01").has_value());
@@ -98,7 +102,6 @@ TEST(ResourceChain, FindsResourcesOfEveryLinkedModuleUntilItDetaches) {
   TermExtensionModule(module);
   EXPECT_EQ(ResourceChainLength(), before);
   EXPECT_FALSE(FindCustomResource("PWD", "TEST01").has_value());
-  EXPECT_EQ(LoadStringResource(60010), "");
 }
 
 TEST(ModuleLifecycle, AttachDetachAndFurtherLinks) {
@@ -110,7 +113,6 @@ TEST(ModuleLifecycle, AttachDetachAndFurtherLinks) {
   EXPECT_EQ(ResourceChainLength(), attached + 1);
 
   EXPECT_EQ(VelquorModuleEntry(ModuleReason::kProcessDetach), 1);
-  EXPECT_FALSE(VelquorModule().initialized);
   EXPECT_EQ(ResourceChainLength(), attached - 1);  // both of the library's links are gone
   EXPECT_EQ(InitVelquorModule(), nullptr);
   EXPECT_FALSE(FindCustomResource("PWD", "ILL02_10").has_value());
