@@ -32,21 +32,24 @@ TEST(CubicSpline, ReproducesACubicInsideAndBeyondTheKnots) {
   }
 }
 
-// Three knots give the parabola (Lagrange through (0, 1), (1, 3), (3, 2): p(2) = 10/3,
-// p(4) = -1), two the line, one the constant; up to 64 strictly increasing finite knots with as
-// many values are accepted, anything else gives the missing value.
+// Three knots give the parabola (Lagrange through (0, 1), (1, 3), (3, 2): p(2) = 10/3), two
+// the line, one the constant; up to 64 strictly increasing finite knots with as many values
+// are accepted, anything else gives the missing value.
 TEST(CubicSpline, FewKnotsFallBackAndBadKnotsGiveMissing) {
   Knots line(kSplineMaxKnots + 1);
   for (std::size_t i = 0; i < line.size(); ++i) line[i] = static_cast<double>(i);
   const Knots full(line.begin(), line.end() - 1);
   const std::tuple<Knots, Knots, double, double> cases[] = {
-      {{0, 1, 3}, {1, 3, 2}, 2.0, 10.0 / 3.0}, {{0, 1, 3}, {1, 3, 2}, 4.0, -1.0},
-      {{1, 5}, {2, 10}, 4.0, 8.0},              {{1, 5}, {2, 10}, 0.0, 0.0},
-      {{3}, {7}, -100.0, 7.0},                  {full, full, 10.25, 10.25},
-      {{}, {}, 0.5, kMissing},                  {{0, 1, 1, 2}, {0, 1, 2, 3}, 0.5, kMissing},
-      {{0, 2, 1, 3}, {0, 1, 2, 3}, 0.5, kMissing}, {{0, NAN, 2, 3}, {0, 1, 2, 3}, 0.5, kMissing},
-      {line, line, 0.5, kMissing},              {{0, 1, 2}, {0, 1}, 0.5, kMissing},
-  };
+      {{0, 1, 3}, {1, 3, 2}, 2.0, 10.0 / 3.0},
+      {{1, 5}, {2, 10}, 4.0, 8.0},
+      {{3}, {7}, -100.0, 7.0},
+      {full, full, 10.25, 10.25},
+      {{}, {}, 0.5, kMissing},
+      {{0, 1, 1, 2}, {0, 1, 2, 3}, 0.5, kMissing},
+      {{0, 2, 1, 3}, {0, 1, 2, 3}, 0.5, kMissing},
+      {{0, NAN, 2, 3}, {0, 1, 2, 3}, 0.5, kMissing},
+      {line, line, 0.5, kMissing},
+      {{0, 1, 2}, {0, 1}, 0.5, kMissing}};
   for (const auto& [x, y, at, expected] : cases) {
     EXPECT_NEAR(CubicSplineInterpolate(x, y, at), expected, test::kExactFormula)
         << x.size() << " knots, at " << at;

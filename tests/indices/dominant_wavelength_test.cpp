@@ -53,10 +53,11 @@ void Check(int illuminant, int observer, ChromaticityPoint at, double nm, double
 // first wavelength of that chromaticity. Observer code 2 pairs the 2 degree white point
 // (weighting tables) with the 10 degree locus.
 TEST(DominantWavelength, OnTheRayToEveryLocusPointEndsIncluded) {
-  for (const auto& [white, table] :
-       {std::pair{White{2, 0, 95.047, 108.883}, 0}, {White{1, 0, 98.074, 118.232}, 0},
-        {White{0, 0, 109.85, 35.585}, 0}, {White{2, 1, 94.811, 107.304}, 1},
-        {White{2, 2, 95.047, 108.883}, 1}}) {
+  for (const auto& [white, table] : {std::pair{White{2, 0, 95.047, 108.883}, 0},
+                                     {White{1, 0, 98.074, 118.232}, 0},
+                                     {White{0, 0, 109.85, 35.585}, 0},
+                                     {White{2, 1, 94.811, 107.304}, 1},
+                                     {White{2, 2, 95.047, 108.883}, 1}}) {
     for (int j = 0; j <= 30; ++j) {
       for (double t : {1.0, 0.5, 0.125, 1.25}) {
         SCOPED_TRACE(testing::Message() << white.illuminant << "/" << white.observer << " "
@@ -96,8 +97,10 @@ TEST(DominantWavelength, WhitePointMissingSamplesAndOutputs) {
   // Empty, all missing, zero sum, no weighting table: both results missing.
   CValueVector3 empty, zeroSum = Sample(1, -1, 0);
   empty.RemoveAll();
-  for (const auto& [illuminant, xyz] : {std::pair{2, empty}, {2, Sample(kMissing, kMissing, kMissing)},
-                                        {2, zeroSum}, {99, Xyz({0.4, 0.4})}}) {
+  for (const auto& [illuminant, xyz] : {std::pair{2, empty},
+                                        {2, Sample(kMissing, kMissing, kMissing)},
+                                        {2, zeroSum},
+                                        {99, Xyz({0.4, 0.4})}}) {
     EXPECT_TRUE(IsMissing(DominantWavelength(illuminant, 0, xyz, purity)));
     EXPECT_TRUE(IsMissing(purity));
   }

@@ -75,8 +75,8 @@ TEST_F(LogTest, LevelDecidesWhereATextGoes) {
     std::int32_t level;
     bool on, message, file;
   } cases[] = {{-2, true, false, false}, {0, false, false, false}, {1, true, true, false},
-               {2, true, false, true}, {3, false, false, false}, {4, true, true, false},
-               {5, true, false, true}, {6, true, false, false}};
+               {2, true, false, true},   {3, false, false, false}, {4, true, true, false},
+               {5, true, false, true},   {6, true, false, false}};
   for (const auto& c : cases) {
     StoreLevels(c.level);
     messages_.clear();
@@ -145,8 +145,7 @@ TEST_F(LogTest, SendAndReceiveAreLoggedInTheirFormats) {
       // 16 ticks to the wrap and 1000 after it; the data itself is not made printable.
       {[] { LogReceive("no end \x1b", 2000, 0xFFFFFFF0u, 0, ""); },
        "RcvBuff = Time(ms) 1016, Allowed 2000, Sep ||, Return Error 0\r\n"
-       "    Rcv Data  1 |no end \x1b|\r\n"},
-  };
+       "    Rcv Data  1 |no end \x1b|\r\n"}};
   for (const auto& [call, file] : cases) EXPECT_EQ(Fresh(call), file);
 }
 
@@ -156,8 +155,10 @@ TEST_F(LogTest, CycleStepsTheStoredLevelAndShowsTheHostsTexts) {
   const std::vector<std::string> texts = {"Off.", "Messages.", "Log file:", "Restart."};
   EXPECT_EQ(GetColorSensorLogLevel(), 0);
   const std::tuple<std::int32_t, std::int32_t, std::string> steps[] = {
-      {0, 1, "Messages.\n\nRestart."}, {1, 2, "Log file:\n    /d/PalDebug.txt\n\nRestart."},
-      {2, 0, "Off.\n\nRestart."}, {5, 0, "Off.\n\nRestart."},
+      {0, 1, "Messages.\n\nRestart."},
+      {1, 2, "Log file:\n    /d/PalDebug.txt\n\nRestart."},
+      {2, 0, "Off.\n\nRestart."},
+      {5, 0, "Off.\n\nRestart."},
       {-5, 2, "Log file:\n    /d/PalDebug.txt\n\nRestart."}};
   for (const auto& [stored, level, message] : steps) {
     ASSERT_TRUE(SetRegistryInt(kDiagnosticsSection, kColorSensorLevelName, stored));
