@@ -17,7 +17,6 @@
 namespace velquor {
 namespace {
 
-
 // 2001-09-09 01:46:40 UTC, a Sunday.
 constexpr TimeValue kBillion = 1000000000;
 // 1990-01-01 00:00:00 UTC: 7305 days (20 years, 5 leap days) of 86400 s.
@@ -156,7 +155,7 @@ TEST_F(DateTimeText, SafeCurrentTimeAndStopwatch) {
   EXPECT_EQ(text, "0.00");
 }
 
-constexpr const char* kCalendarFields[] = {"year", "month", "dayOfWeek", "day",
+constexpr const char* kCalendarFields[] = {"year", "month",  "dayOfWeek", "day",
                                            "hour", "minute", "second"};
 
 // Known dates both ways; pictures refuse fields out of range and shorten designators by
@@ -207,13 +206,12 @@ TEST(LocalePictures, LocaleFormatsBecomePicturesAndPlatformSeams) {
   EXPECT_EQ(PictureFromStrftime("%r", "%l:%M %p"), "h:mm tt");
   // The platform's C locale matches the built-in description.
   const std::optional<LocaleDescription> c = DescribePlatformLocale("C");
-  ASSERT_TRUE(c.has_value());
   const auto fields = [](const LocaleDescription& d) {
     return std::tuple(d.shortDate, d.longDate, d.timeOfDay, d.timeSeparator, d.amDesignator,
                       d.pmDesignator, d.monthNames, d.monthAbbreviations, d.dayNames,
                       d.dayAbbreviations);
   };
-  EXPECT_TRUE(fields(*c) == fields(CLocaleDescription()));
+  EXPECT_TRUE(fields(c.value()) == fields(CLocaleDescription()));
   EXPECT_FALSE(DescribePlatformLocale("xx_YY.no-such-codeset").has_value());
   EXPECT_FALSE(UserDecimalSeparator().empty());
   // The system clock agrees with the C library.

@@ -30,13 +30,13 @@ std::string ReadFile(const fs::path& path) {
   return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
-// A file store in a temporary folder of the test's own, installed for the test and removed
+// A file store in a temporary folder of the process's own, installed for the test and removed
 // after it. It flushes to disk unless a test of many writes turns that off (a flush can cost
 // tens of milliseconds on a busy disk; locking and atomic replacement do not depend on it).
 struct Store {
   explicit Store(bool flushToDisk = true, const char* below = "registry")
       : folder_(fs::path(::testing::TempDir()) /
-                ("velquor_settings_"s + testing::UnitTest::GetInstance()->current_test_info()->name())),
+                ("velquor_settings_" + std::to_string(::getpid()))),
         root_(folder_ / below) {
     fs::remove_all(folder_);
     fs::create_directories(folder_);
@@ -88,8 +88,8 @@ TEST(SettingsValuesForm, DamagedLinesAreSkippedAndTheRestRead) {
     EXPECT_EQ(parsed.values.size(), 2u - row.Integer("damaged")) << row.Where();
   }
   // A later line wins; names ignore ASCII case only.
-  const ParsedSettingsValues valid =
-      ParseSettingsValues(Line("%25%40%23%20 4 00") + "# comment\n" + Line("AT 1 78") + Line("at 1 79"));
+  const ParsedSettingsValues valid = ParseSettingsValues(Line("%25%40%23%20 4 00") + "# comment\n" +
+                                                         Line("AT 1 78") + Line("at 1 79"));
   EXPECT_EQ(valid.damagedLines, 0u);
   ASSERT_EQ(valid.values.size(), 2u);
   EXPECT_EQ(valid.values[0].name, "%@# ");
@@ -125,8 +125,11 @@ TEST(SettingsStore, ValuesKeepTheirBytesAndAreReadWithoutTypeCheck) {
   const ValueQuery query = OpenSettingsKey("Diagnostics")->QueryValue("PathInfo", buffer);
   EXPECT_EQ(std::pair(query.type, query.size), std::pair(kValueTypeString, std::size_t{7}));
   const std::tuple<std::string, std::string, std::int32_t> cases[] = {
-      {"abcd", "abcd", 0x64636261}, {"abc", "abc", 0x00636261}, {"abcde", "abcde", -9},
-      {std::string("ab\0c", 4), "ab", 0x00006261}, {std::string(260, 'x'), std::string(260, 'x'), -9},
+      {"abcd", "abcd", 0x64636261},
+      {"abc", "abc", 0x00636261},
+      {"abcde", "abcde", -9},
+      {std::string("ab\0c", 4), "ab", 0x00006261},
+      {std::string(260, 'x'), std::string(260, 'x'), -9},
       {std::string(261, 'x'), "<default>", -9}};
   for (const auto& [stored, asString, asNumber] : cases) {
     ASSERT_TRUE(SetRegistryString("Diagnostics", "Value", stored));
@@ -214,7 +217,8 @@ TEST(SettingsStore, EnvironmentChoosesTheRoot) {
   for (int i = 0; i < 3; ++i) saved[i] = std::getenv(names[i]) ? std::getenv(names[i]) : saved[i];
   const auto set = [](const char* n, const char* v) { v ? ::setenv(n, v, 1) : ::unsetenv(n); };
   const std::tuple<const char*, const char*, const char*> cases[] = {
-      {"/srv/s", "/cfg", "/srv/s"}, {"", "/cfg", "/cfg/velquor/registry"},
+      {"/srv/s", "/cfg", "/srv/s"},
+      {"", "/cfg", "/cfg/velquor/registry"},
       {nullptr, "relative", "/home/ann/.config/velquor/registry"},
       {nullptr, nullptr, "/home/ann/.config/velquor/registry"}};
   set("HOME", "/home/ann");
@@ -239,7 +243,7 @@ struct RecordingBackend : SettingsBackend {
   struct Key : SettingsKey {
     RecordingBackend& owner;
     explicit Key(RecordingBackend& o) : owner(o) {}
-    std::unique_ptr<SettingsKey> Open(const std::string& what, std::string_view sub, std::uint32_t a) {
+    std::unique_ptr<SettingsKey> Open(std::string what, std::string_view sub, std::uint32_t a) {
       owner.calls.push_back(what + " " + std::string(sub) + " " + std::to_string(a));
       const bool exists = what == "create" || sub != "software" || owner.softwareExists;
       return exists ? std::make_unique<Key>(owner) : nullptr;
@@ -291,9 +295,8 @@ TEST(SettingsStore, ConcurrentWritersKeepEveryValue) {
   const ParsedSettingsValues parsed = ParseSettingsValues(ReadFile(store.Values()));
   EXPECT_EQ(parsed.damagedLines, 0u);
   EXPECT_EQ(parsed.values.size(), 3 * 31u);
-  for (const std::string writer : {"A", "B", "C"}) {
-    EXPECT_EQ(GetRegistryInt("Diagnostics", "Counter " + writer, -1), 300);
-  }
+  for (const char* w : {"A", "B", "C"})
+    EXPECT_EQ(GetRegistryInt("Diagnostics", "Counter "s + w, -1), 300);
 }
 
 }  // namespace
