@@ -17,33 +17,12 @@
 namespace velquor {
 namespace {
 
-using test::LoadReferenceTable;
-
-// 2001-09-09 01:46:40 UTC (a Sunday), 2009-02-13 23:31:30 UTC (a Friday), 2038-01-01 00:00 UTC.
+// 2001-09-09 01:46:40 UTC, a Sunday.
 constexpr TimeValue kBillion = 1000000000;
-constexpr TimeValue kFriday13 = 1234567890;
-constexpr TimeValue k2038 = 2145916800;
 // 1990-01-01 00:00:00 UTC: 7305 days (20 years, 5 leap days) of 86400 s.
 constexpr TimeValue k1990 = 631152000;
 
-// A clock with a fixed time, a settable tick counter and a zone offset without daylight saving.
-class FakeClock final : public Clock {
- public:
-  TimeValue now = kFriday13;
-  std::uint32_t tick = 0;
-  std::int64_t offset = 0;
-  TimeValue Now() const override { return now; }
-  std::uint32_t TickCount() const override { return tick; }
-  bool ToLocal(TimeValue time, CalendarTime& local) const override {
-    local = CalendarFromSeconds(time + offset);
-    return true;
-  }
-  TimeValue FromLocal(const CalendarTime& local) const override {
-    return SecondsFromCalendar(local) - offset;
-  }
-};
-
-LocaleDescription GermanStyle(const char* timeOfDay = "HH:mm:ss", const char* separator = ":") {
+LocaleDescription GermanStyle(const char* timeOfDay, const char* separator) {
   LocaleDescription de;
   de.shortDate = "dd.MM.yyyy";
   de.longDate = "dddd, d. MMMM yyyy";
@@ -64,14 +43,9 @@ const LocaleFormat* Locale(const std::string& name) {
     d.era = "A.D.";
     return d;
   }());
-  static const DescribedLocale de(GermanStyle());
-  static const DescribedLocale dotted(GermanStyle("H.mm.ss", "."));
-  static const DescribedLocale none(GermanStyle("HHmmss", ""));
-  if (name == "de") return &de;
-  if (name == "dotted") return &dotted;
-  if (name == "none") return &none;
-  EXPECT_EQ(name, "us");
-  return &us;
+  static const DescribedLocale de(GermanStyle("HH:mm:ss", ":")),
+      dotted(GermanStyle("H.mm.ss", ".")), none(GermanStyle("HHmmss", ""));
+  return name == "de" ? &de : name == "dotted" ? &dotted : name == "none" ? &none : &us;
 }
 
 std::int64_t Int64(const test::ReferenceRow& row, std::string_view column) {
@@ -80,106 +54,60 @@ std::int64_t Int64(const test::ReferenceRow& row, std::string_view column) {
 
 using Messages = std::vector<std::pair<MessageKind, std::string>>;
 
-class DateTimeText : public ::testing::Test {
+// The library's clock for the test: a fixed time, a settable tick counter and a zone offset
+// without daylight saving; the locale is "us" and messages are captured.
+class DateTimeText : public ::testing::Test, public Clock {
  protected:
+  TimeValue Now() const override { return now; }
+  std::uint32_t TickCount() const override { return tick; }
+  bool ToLocal(TimeValue time, CalendarTime& local) const override {
+    local = CalendarFromSeconds(time + offset);
+    return true;
+  }
+  TimeValue FromLocal(const CalendarTime& local) const override {
+    return SecondsFromCalendar(local) - offset;
+  }
   void SetUp() override {
-    previousClock_ = SetClock(&clock_);
-    previousLocale_ = SetLocaleFormat(Locale("us"));
-    previousSink_ = SetMessageSink(
+    SetClock(this);
+    SetLocaleFormat(Locale("us"));
+    SetMessageSink(
         [this](MessageKind kind, std::string_view text) { messages_.emplace_back(kind, text); });
   }
   void TearDown() override {
-    SetClock(previousClock_);
-    SetLocaleFormat(previousLocale_);
-    SetMessageSink(previousSink_);
+    SetClock(nullptr);
+    SetLocaleFormat(nullptr);
+    SetMessageSink(nullptr);
   }
-  FakeClock clock_;
+  TimeValue now = 1234567890;  // 2009-02-13 23:31:30 UTC, a Friday
+  std::uint32_t tick = 0;
+  std::int64_t offset = 0;
   Messages messages_;
-  const Clock* previousClock_ = nullptr;
-  const LocaleFormat* previousLocale_ = nullptr;
-  MessageSink previousSink_;
 };
 
-TEST(CalendarArithmetic, KnownDatesBothWays) {
-  for (const auto& row : LoadReferenceTable("reference/calendar_dates.csv")) {
-    const CalendarTime t = CalendarFromSeconds(Int64(row, "seconds"));
-    EXPECT_EQ(std::vector<int>({t.year, t.month, t.dayOfWeek, t.day, t.hour, t.minute, t.second}),
-              std::vector<int>({row.Integer("year"), row.Integer("month"), row.Integer("dayOfWeek"),
-                                row.Integer("day"), row.Integer("hour"), row.Integer("minute"),
-                                row.Integer("second")}))
-        << row.Where();
-    EXPECT_EQ(SecondsFromCalendar(t), Int64(row, "seconds")) << row.Where();
-  }
-}
-
+// Dates, times and patterns in the injected locale and zone.
 TEST_F(DateTimeText, FormatsInTheInjectedLocaleAndZone) {
-  for (const auto& row : LoadReferenceTable("reference/date_time_formats.csv")) {
+  for (const auto& row : test::LoadReferenceTable("reference/date_time_formats.csv")) {
     SetLocaleFormat(Locale(row.Text("locale")));
-    clock_.offset = Int64(row, "offset");
+    offset = Int64(row, "offset");
     const TimeValue time = Int64(row, "time");
     const int ok = row.Integer("result");
     std::string s = "old", l = "old", t = "old", joined = "Batch: ";  // replaced; appended to
     EXPECT_EQ(std::vector<int>({FormatShortDate(s, time), FormatLongDate(l, time),
                                 FormatTimeOfDay(t, time), FormatDateTime(joined, time)}),
-              std::vector<int>({ok, ok, ok, ok}));
-    const std::string& date = row.Text("shortDate");
-    const std::string& timeOfDay = row.Text("timeOfDay");
+              std::vector<int>(4, ok));
+    const std::string &date = row.Text("shortDate"), &timeOfDay = row.Text("timeOfDay");
     EXPECT_EQ(std::vector<std::string>({s, l, t, joined}),
               std::vector<std::string>({date, row.Text("longDate"), timeOfDay,
                                         ok ? "Batch: " + date + " -- " + timeOfDay : "Batch: "}))
         << row.Where();
   }
-  clock_.now = kBillion;  // no time given: now
+  now = kBillion;  // no time given: now
   std::string text;
   EXPECT_EQ(FormatShortDate(text), 1);
   EXPECT_EQ(text, "9/9/2001");
-}
-
-TEST_F(DateTimeText, SafeCurrentTimeChecksTheUtcYearFromBothSides) {
-  const std::string message =
-      "Your system clock exceeds the valid range: Jan 1, 1970 -- Dec 31, 2037\nThe date is "
-      "assumed to be Jan 1, 1990.  The time is assumed to be 00:00.";
-  for (const auto& row : LoadReferenceTable("reference/clock_range.csv")) {
-    clock_.now = Int64(row, "now");
-    clock_.offset = Int64(row, "offset");
-    messages_.clear();
-    // Out of range: 1990-01-01 00:00 local time, and a warning.
-    const bool inRange = row.Integer("inRange") == 1;
-    EXPECT_EQ(GetSafeCurrentTime(), inRange ? clock_.now : k1990 - clock_.offset) << row.Where();
-    EXPECT_EQ(messages_, (inRange ? Messages{} : Messages{{MessageKind::kWarning, message}}));
-  }
-  GetSafeCurrentTime();
-  EXPECT_EQ(messages_.size(), 2u);  // told again at every call
-}
-
-TEST_F(DateTimeText, ClockCountsUpAndDownWithTheSeparatorOfItsStart) {
-  for (const auto& row : LoadReferenceTable("reference/clock_texts.csv")) {
+  for (const auto& row : test::LoadReferenceTable("reference/date_time_patterns.csv")) {
     SetLocaleFormat(Locale(row.Text("locale")));
-    clock_.tick = static_cast<std::uint32_t>(Int64(row, "startTick"));
-    std::string text = "old";
-    GetTimeSeparator(text);
-    EXPECT_EQ(text, row.Text("locale") == "dotted" ? "." : ":");  // ":" when the locale has none
-    ClockText(&text, static_cast<std::uint32_t>(Int64(row, "limit")));
-    clock_.tick += static_cast<std::uint32_t>(Int64(row, "elapsedMs"));
-    EXPECT_EQ(ClockText(&text, kClockReadOnly), row.Integer("result")) << row.Where();
-    EXPECT_EQ(text, row.Text("text")) << row.Where();
-    EXPECT_EQ(ClockText(nullptr, kClockReadOnly), row.Integer("result"));
-  }
-  std::string text;
-  clock_.tick = 1000;
-  ClockText(&text, 90);
-  SetLocaleFormat(Locale("dotted"));
-  clock_.tick = 31000;
-  ClockText(&text, kClockReadOnly);
-  EXPECT_EQ(text, "1:00");  // separator and start are those of the last restart
-  ClockText(&text, 0);
-  EXPECT_EQ(text, "0.00");
-}
-
-TEST_F(DateTimeText, PatternFillsPicturesNumbersAndLiterals) {
-  for (const auto& row : LoadReferenceTable("reference/date_time_patterns.csv")) {
-    SetLocaleFormat(Locale(row.Text("locale")));
-    std::string text = "old";
+    text = "old";
     EXPECT_EQ(FormatPattern(text, row.Text("pattern"),
                             static_cast<std::uint32_t>(row.Integer("number")), Int64(row, "time")),
               row.Integer("result"))
@@ -188,7 +116,59 @@ TEST_F(DateTimeText, PatternFillsPicturesNumbersAndLiterals) {
   }
 }
 
-TEST(LocalePictures, RejectOutOfRangeFieldsAndShortenDesignatorsByCharacter) {
+TEST_F(DateTimeText, SafeCurrentTimeAndStopwatch) {
+  const std::string message =
+      "Your system clock exceeds the valid range: Jan 1, 1970 -- Dec 31, 2037\nThe date is "
+      "assumed to be Jan 1, 1990.  The time is assumed to be 00:00.";
+  for (const auto& row : test::LoadReferenceTable("reference/clock_range.csv")) {
+    now = Int64(row, "now");
+    offset = Int64(row, "offset");
+    messages_.clear();
+    // Out of range: 1990-01-01 00:00 local time, and a warning.
+    const bool inRange = row.Integer("inRange") == 1;
+    EXPECT_EQ(GetSafeCurrentTime(), inRange ? now : k1990 - offset) << row.Where();
+    EXPECT_EQ(messages_, (inRange ? Messages{} : Messages{{MessageKind::kWarning, message}}));
+  }
+  GetSafeCurrentTime();
+  EXPECT_EQ(messages_.size(), 2u);  // told again at every call
+  // The stopwatch text counts up and down with the separator of its start.
+  for (const auto& row : test::LoadReferenceTable("reference/clock_texts.csv")) {
+    SetLocaleFormat(Locale(row.Text("locale")));
+    tick = static_cast<std::uint32_t>(Int64(row, "startTick"));
+    std::string text = "old";
+    GetTimeSeparator(text);
+    EXPECT_EQ(text, row.Text("locale") == "dotted" ? "." : ":");  // ":" when the locale has none
+    ClockText(&text, static_cast<std::uint32_t>(Int64(row, "limit")));
+    tick += static_cast<std::uint32_t>(Int64(row, "elapsedMs"));
+    EXPECT_EQ(ClockText(&text, kClockReadOnly), row.Integer("result")) << row.Where();
+    EXPECT_EQ(text, row.Text("text")) << row.Where();
+    EXPECT_EQ(ClockText(nullptr, kClockReadOnly), row.Integer("result"));
+  }
+  std::string text;
+  tick = 1000;
+  ClockText(&text, 90);
+  SetLocaleFormat(Locale("dotted"));
+  tick = 31000;
+  ClockText(&text, kClockReadOnly);
+  EXPECT_EQ(text, "1:00");  // separator and start are those of the last restart
+  ClockText(&text, 0);
+  EXPECT_EQ(text, "0.00");
+}
+
+constexpr const char* kCalendarFields[] = {"year", "month",  "dayOfWeek", "day",
+                                           "hour", "minute", "second"};
+
+// Known dates both ways; pictures refuse fields out of range and shorten designators by
+// character.
+TEST(CalendarTime, KnownDatesAndFieldRanges) {
+  for (const auto& row : test::LoadReferenceTable("reference/calendar_dates.csv")) {
+    const CalendarTime t = CalendarFromSeconds(Int64(row, "seconds"));
+    int i = 0;
+    for (int field : {t.year, t.month, t.dayOfWeek, t.day, t.hour, t.minute, t.second}) {
+      EXPECT_EQ(field, row.Integer(kCalendarFields[i++])) << row.Where() << " field " << i;
+    }
+    EXPECT_EQ(SecondsFromCalendar(t), Int64(row, "seconds")) << row.Where();
+  }
   LocaleDescription ja = CLocaleDescription();
   ja.amDesignator = "午前";
   const CalendarTime good = CalendarFromSeconds(kBillion);
@@ -196,18 +176,16 @@ TEST(LocalePictures, RejectOutOfRangeFieldsAndShortenDesignatorsByCharacter) {
   EXPECT_TRUE(FormatTimePicture(ja, good, "t h", out));
   EXPECT_EQ(out, "午 1");
   // Each field at both ends of its range and one step beyond them.
-  const struct {
-    int CalendarTime::*field;
-    int low, high;
-  } ranges[] = {{&CalendarTime::year, 1601, 30827}, {&CalendarTime::month, 1, 12},
-                {&CalendarTime::day, 1, 31},        {&CalendarTime::dayOfWeek, 0, 6},
-                {&CalendarTime::hour, 0, 23},       {&CalendarTime::minute, 0, 59},
-                {&CalendarTime::second, 0, 59}};
-  for (const auto& r : ranges) {
-    for (const int value : {r.low - 1, r.low, r.high, r.high + 1}) {
+  const std::tuple<int CalendarTime::*, int, int> ranges[] = {
+      {&CalendarTime::year, 1601, 30827}, {&CalendarTime::month, 1, 12},
+      {&CalendarTime::day, 1, 31},        {&CalendarTime::dayOfWeek, 0, 6},
+      {&CalendarTime::hour, 0, 23},       {&CalendarTime::minute, 0, 59},
+      {&CalendarTime::second, 0, 59}};
+  for (const auto& [field, low, high] : ranges) {
+    for (const int value : {low - 1, low, high, high + 1}) {
       CalendarTime t = good;
-      t.*r.field = value;
-      const bool valid = value == r.low || value == r.high;
+      t.*field = value;
+      const bool valid = value == low || value == high;
       out = "old";
       EXPECT_EQ(FormatDatePicture(ja, t, "d", out), valid) << value;
       EXPECT_EQ(out.empty(), !valid) << value;
@@ -216,8 +194,8 @@ TEST(LocalePictures, RejectOutOfRangeFieldsAndShortenDesignatorsByCharacter) {
   }
 }
 
-TEST(LocalePictures, LocaleFormatsBecomePictures) {
-  for (const auto& row : LoadReferenceTable("reference/locale_pictures.csv")) {
+TEST(LocalePictures, LocaleFormatsBecomePicturesAndPlatformSeams) {
+  for (const auto& row : test::LoadReferenceTable("reference/locale_pictures.csv")) {
     const std::string& function = row.Text("function");
     const std::string& in = row.Text("input");
     const std::string got = function == "strftime"   ? PictureFromStrftime(in)
@@ -226,27 +204,19 @@ TEST(LocalePictures, LocaleFormatsBecomePictures) {
     EXPECT_EQ(got, row.Text("expected")) << row.Where();
   }
   EXPECT_EQ(PictureFromStrftime("%r", "%l:%M %p"), "h:mm tt");
-}
-
-TEST(LocalePictures, PlatformCLocaleMatchesItsBuiltInDescription) {
+  // The platform's C locale matches the built-in description.
   const std::optional<LocaleDescription> c = DescribePlatformLocale("C");
-  ASSERT_TRUE(c.has_value());
   const auto fields = [](const LocaleDescription& d) {
     return std::tuple(d.shortDate, d.longDate, d.timeOfDay, d.timeSeparator, d.amDesignator,
                       d.pmDesignator, d.monthNames, d.monthAbbreviations, d.dayNames,
                       d.dayAbbreviations);
   };
-  EXPECT_TRUE(fields(*c) == fields(CLocaleDescription()));
+  EXPECT_TRUE(fields(c.value()) == fields(CLocaleDescription()));
   EXPECT_FALSE(DescribePlatformLocale("xx_YY.no-such-codeset").has_value());
   EXPECT_FALSE(UserDecimalSeparator().empty());
-}
-
-TEST(SystemClockSeam, AgreesWithTheCLibrary) {
-  const TimeValue before = static_cast<TimeValue>(std::time(nullptr));
-  const TimeValue now = SystemClock().Now();
-  EXPECT_LE(before, now);
-  EXPECT_LE(now - before, 2);
-  for (const TimeValue t : {TimeValue{0}, k1990, kBillion, kFriday13, k2038}) {
+  // The system clock agrees with the C library.
+  EXPECT_NEAR(SystemClock().Now(), static_cast<TimeValue>(std::time(nullptr)), 2);
+  for (const TimeValue t : {TimeValue{0}, kBillion, TimeValue{2145916800}}) {  // to 2038-01-01
     CalendarTime local;
     ASSERT_TRUE(SystemClock().ToLocal(t, local));
     EXPECT_EQ(SystemClock().FromLocal(local), t);

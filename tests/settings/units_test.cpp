@@ -9,24 +9,17 @@
 namespace velquor {
 namespace {
 
-TEST(UnitNames, IdentifiersAndNamesOfBothKinds) {
+TEST(Units, NamesOfBothKindsAndShotUnits) {
   for (const auto& row : test::LoadReferenceTable("reference/unit_names.csv")) {
+    SCOPED_TRACE(row.Where());
     const auto k = static_cast<std::uint32_t>(row.Integer("code"));
     const bool weight = row.Text("kind") == "weight";
-    EXPECT_EQ(weight ? GetWeightUnitStringId(k) : GetVolumeUnitStringId(k),
-              static_cast<std::uint32_t>(row.Integer("id")))
-        << row.Where();
-    EXPECT_EQ(weight ? LoadWeightUnitString(k) : LoadVolumeUnitString(k), row.Text("name"))
-        << row.Where();
+    EXPECT_EQ(weight ? GetWeightUnitStringId(k) : GetVolumeUnitStringId(k), row.Number("id"));
+    EXPECT_EQ(weight ? LoadWeightUnitString(k) : LoadVolumeUnitString(k), row.Text("name"));
   }
-}
-
-TEST(UnitNames, ShotUnitsAreExactly18To21) {
-  for (std::uint32_t k = 0; k < 64; ++k) {
-    EXPECT_EQ(IsShotUnit(k), k >= 18 && k <= 21) << k;
-  }
-  EXPECT_FALSE(IsShotUnit(0xFFFFFFFFu));
-  EXPECT_FALSE(IsShotUnit(18u + 0x80000000u));
+  // Shot units are exactly 18 to 21.
+  for (std::uint32_t k : {18u, 21u}) EXPECT_TRUE(IsShotUnit(k)) << k;
+  for (std::uint32_t k : {0u, 17u, 22u, 0xFFFFFFFFu, 0x80000012u}) EXPECT_FALSE(IsShotUnit(k)) << k;
 }
 
 }  // namespace
