@@ -91,14 +91,8 @@ Function Steps(double middle) {
 // vertex, so the traces follow by hand.
 TEST(BracketMinimum, WalksParabolicAndGoldenStepsWithinTheBound) {
   const double c = 1.0 + kG, c1 = 0.5 + kG * 0.5, c2 = c1 + kG * (c1 - 0.5);
-  const struct {
-    const char* name;
-    Kind kind;
-    Function f;
-    double a, b, bound;
-    int result, evaluations;
-    double x0, x1, x2, sign;  // expected bracket; sign -1 when the search ran on -f
-  } cases[] = {
+  // x0, x1, x2: the expected bracket; sign -1 when the search ran on -f.
+  const struct { const char* name; Kind kind; Function f; double a, b, bound; int result, evaluations; double x0, x1, x2, sign; } cases[] = {
       {"parabola", kWalk, Parabola(2), 0, 0.5, 0, 1, 5, c1, 2, c2, 1},
       {"start away from 0: b + g (b - a)", kWalk, Parabola(3), 1, 1.5, 0, 1, 5, c1 + 1, 3, c2 + 1, 1},
       {"uphill start seeks the maximum", kWalk, Parabola(2, 0, -1), 0, 0.5, 0, 1, 5, c1, 2, c2, -1},
@@ -129,12 +123,8 @@ TEST(BracketMinimum, WalksParabolicAndGoldenStepsWithinTheBound) {
 // the parabolic point inside (b, c) during step n + 1. Results: 1 up to 20 steps, 4 beyond, 0
 // after 60.
 TEST(BracketMinimum, CountsCompletedSteps) {
-  const struct {
-    int completed;
-    bool wall;  // else the curved piece
-    int result, evaluations;
-  } cases[] = {{0, true, 1, 3},   {20, true, 1, 23},  {21, true, 4, 24}, {60, true, 4, 63},
-               {61, true, 0, 63}, {20, false, 1, 24}, {21, false, 4, 25}};
+  const struct { int completed; bool wall; int result, evaluations; } cases[] = {  // wall, else curved
+      {0, true, 1, 3}, {20, true, 1, 23}, {21, true, 4, 24}, {60, true, 4, 63}, {61, true, 0, 63}, {20, false, 1, 24}, {21, false, 4, 25}};
   for (const auto& k : cases) {
     const double b = WalkPoint(k.completed + 1), c = WalkPoint(k.completed + 2);
     const double wall = std::sqrt(b * c), curvature = 0.8 / (c - b);
@@ -172,11 +162,7 @@ TEST(BracketMinimum, ZeroDenominatorAndShortVector) {
 }
 
 TEST(GoldenSectionSearch, NarrowsToTheExtremumInCountedEvaluations) {
-  const struct {
-    const char* name;
-    Function f;
-    double p0, p1, p2;
-  } cases[] = {
+  const struct { const char* name; Function f; double p0, p1, p2; } cases[] = {
       {"parabola, ascending", Parabola(1), 0, kB, 2},
       {"parabola, descending", Parabola(1), 2, kBDown, 0},
       {"uphill start finds the maximum", Parabola(1, 0, -1), 0, kB, 2},
@@ -236,13 +222,7 @@ TEST(GoldenSectionSearchOrRoot, ProbesOutwardUntilTheFunctionRises) {
 // Golden: (x - 1)^2 - 0.25 over 0, 0.764, 2 has f(hi) > 0 and f(x2 = 1.236) < 0 in round 1,
 // and (x2, 2) gives 1.5 in 4 + 7 evaluations. Only element 0 is written.
 TEST(SearchOrRoot, HandsASignChangeToTheRootFinder) {
-  const struct {
-    Kind kind;
-    Function f;
-    double p1, p2;
-    int result, evaluations;
-    double root;
-  } cases[] = {
+  const struct { Kind kind; Function f; double p1, p2; int result, evaluations; double root; } cases[] = {
       {kWalkOrRoot, Parabola(3, -1), 0.5, 7, 2, 12, 2},
       {kWalkOrRoot, Parabola(3, 1, -1), 0.5, 7, 2, 12, 2},  // uphill start, on -f
       // Brent's first point, 2.32, gives NaN: the root finder fails, the vector is unchanged.
@@ -280,13 +260,7 @@ TEST(GoldenSectionSearchOrRoot, AbandonsWhenTheSlopesDiverge) {
     return [=](double x) { return base + 10 * std::sqrt(std::fabs(x - 1.1)) + tilt * x; };
   };
   const Six up = {0, kB, 2};
-  const struct {
-    const char* name;
-    Function f;
-    Six start;
-    int result;
-    double x0, x1, x2;
-  } cases[] = {
+  const struct { const char* name; Function f; Six start; int result; double x0, x1, x2; } cases[] = {
       {"pole, inward", pole, up, 3, ascLo, ascLo + 1e-7, ascHi},
       {"pole, outward", [&](double x) { return pole(x) - 10 * x; }, up, 3, ascHi, ascHi + 1e-7, ascLo},
       {"cusp at +150", cusp(150), up, 3, ascLo, ascLo + 1e-7, ascHi},
