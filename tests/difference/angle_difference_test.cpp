@@ -4,13 +4,10 @@
 
 #include <cmath>
 
-#include "difference_fixtures.h"
+#include "velquor/difference/color_difference.h"
 
 namespace velquor {
 namespace {
-
-using difference_testing::Difference;
-using difference_testing::RawSample;
 
 CValueVector5 Reference(double l, double q, double h) {
   CValueVector5 r;
@@ -72,17 +69,6 @@ TEST(AngleDependentDifference, WeightOfExactlyOneHalfSwitchesToRectangularDiffer
     ComputeAngleDependentDifference(Reference(0, 0, 90), d, angle);
     EXPECT_NEAR(d[6], expected, 1e-15) << angle;
   }
-}
-
-TEST(AngleDependentDifference, DispatcherPassesTheStandardsLabChAndTheParameter) {
-  // Code 9 reads element 4 of the standard (hab = 5, near-neutral): da = 1, db = 0 over 0.5.
-  // dL = 1 adds (1 / S_L)^2 with S_L = 22.5 / 45 + 0.11 sqrt(49) = 1.27.
-  const CColorVector7 r = Difference(RawSample(49, 10, 1, 10.05, 5), RawSample(50, 11, 1, 11.05, 5),
-                                     kDiffAudi, 1, 1, 1, 45);
-  EXPECT_NEAR(r[6], std::sqrt(4 + 1 / (1.27 * 1.27)), 1e-13);
-  EXPECT_DOUBLE_EQ(r[0], 1.0);  // slots 1-6 stay Delta E*ab
-  // A negative lightness gives NaN, which the final limit turns into -999.99.
-  EXPECT_EQ(Difference(RawSample(-1, 0, 0, 0, 5), RawSample(0, 1, 0, 1, 5), kDiffAudi)[6], -999.99);
 }
 
 }  // namespace
