@@ -3,8 +3,6 @@
 
 #include <cmath>
 #include <string>
-#include <tuple>
-#include <utility>
 #include <vector>
 
 #include "reference_table.h"
@@ -43,7 +41,7 @@ inline bool AllMissing(const CValueArray& v) {
   return true;
 }
 
-// Sets the hue unit (1 degrees, 0 radians) for one scope and restores the previous one.
+// Sets the hue unit (1 degrees, the default; 0 radians) for one scope, then restores it.
 struct ScopedHueUnit {
   explicit ScopedHueUnit(int degrees) : saved(GetHueInDegrees()) { SetHueInDegrees(degrees); }
   ~ScopedHueUnit() { SetHueInDegrees(saved); }

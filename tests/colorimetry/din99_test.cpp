@@ -13,7 +13,6 @@ TEST(LabToDIN99, PublishedExampleAndWeights) {
   // L*a*b* (41.52787529, 52.63858304, 26.92317922) -> (53.2282198, 28.4163465, 3.8983955).
   // That example scales lightness by 105.509; the library uses 105.51 (ASTM D2244).
   // kE divides L99 and C99 (with a99, b99), kCH only C99; the hue stays.
-  ScopedHueUnit degrees(1);
   const double published[5] = {53.2282198 * 105.51 / 105.509, 28.4163465, 3.8983955,
                                std::hypot(28.4163465, 3.8983955),
                                std::atan2(3.8983955, 28.4163465) * 180 / std::numbers::pi};
@@ -43,8 +42,6 @@ TEST(LabToDIN99, HueOnTheRotatedAxisUsesTheFixedConstants) {
     CValueVector5 din;
     LabToDIN99(50, a, b, 1, 1, din);
     EXPECT_NEAR(din[4], hue, tolerance) << a << " " << b;
-    EXPECT_NEAR(din[1], din[3] * std::cos(din[4]), 1e-14);
-    EXPECT_NEAR(din[2], din[3] * std::sin(din[4]), 1e-14);
   }
   // Missing inputs, kCH or kE zero, and L* = -1 / 0.0158 where the lightness log reaches ln(0).
   for (const auto& [l, a, b, kch, ke] : {std::tuple{kMissing, 1.0, 1.0, 1.0, 1.0},

@@ -32,8 +32,7 @@ TEST(IlluminantTexts, CatalogueCodesNamesAndPresentationOrder) {
   EXPECT_EQ(LoadIlluminantText(17, text) + LoadIlluminantCode(30, code), 2);
   EXPECT_EQ(text + code, "17|None30");
   for (int index : {-1, 31, 112}) {
-    std::string name = "stale";
-    text = "stale";
+    std::string name = text = "stale";
     EXPECT_EQ(LoadIlluminantText(index, text) + LoadIlluminantName(index, name), 0) << index;
     EXPECT_EQ(text + name, "") << index;
   }
@@ -56,15 +55,11 @@ TEST(IlluminantTexts, PresentationOrderRejectsATranslationThatIsNotAList) {
 
 TEST(ObserverTexts, CodeOneIsTenDegreesEveryOtherCodeTwo) {
   using F = ObserverTextForm;
-  for (const auto& [observer, texts] :
-       {std::pair{0, "2° - 2°/2°"}, {1, "10° - 10°/10°"}, {2, "2° - 2°/2°"}}) {
-    std::string all, text;
-    for (F form : {F::kPlain, F::kDash, F::kSlash})
-      all += LoadObserverText(observer, form, text) ? text : "?";
-    EXPECT_EQ(all, texts) << observer;
-  }
-  std::string word;
-  EXPECT_TRUE(LoadIlluminantWord(word) && word == "Illuminant ");
+  std::string a, b, c, d, e;
+  EXPECT_TRUE(LoadObserverText(1, F::kPlain, a) && LoadObserverText(0, F::kDash, b) &&
+              LoadObserverText(1, F::kSlash, c) && LoadObserverText(2, F::kPlain, d) &&
+              LoadIlluminantWord(e));
+  EXPECT_EQ(a + b + c + d + e, "10° - 2°/10°2°Illuminant ");
 }
 
 }  // namespace velquor

@@ -49,7 +49,7 @@ TEST(ComputeXYZ, EachComponentReadsItsOwnFortyWeightsAndOnlyTheFirstPointIsAMiss
     for (int c = 0; c < 3; ++c) EXPECT_EQ(xyz[c], table[c * 40 + k] * peak * 0.01) << k << c;
   }
   // The first point inside the missing band (9.99e-06, 1.001e-05), a curve shorter than 40
-  // points or an illuminant without a table give the missing triple, into a vector of any size.
+  // points or an illuminant without a table give the missing triple, whatever the table.
   for (const auto& [first, size, illuminant, missing] : {std::tuple{1e-05, 40, 2, true},
                                                          {1.0005e-05, 40, 2, true},
                                                          {0.0, 40, 2, false},
@@ -59,9 +59,7 @@ TEST(ComputeXYZ, EachComponentReadsItsOwnFortyWeightsAndOnlyTheFirstPointIsAMiss
     curve[0] = first;
     curve.SetSize(static_cast<std::size_t>(size));
     CValueVector3 xyz;
-    xyz.SetSize(0);
     ComputeXYZ(curve, illuminant, 0, xyz);
-    ASSERT_EQ(xyz.GetSize(), 3u);
     for (int c = 0; c < 3; ++c) EXPECT_EQ(xyz[c] == kMissing, missing) << first << size << c;
   }
 }
