@@ -30,7 +30,7 @@ TEST(LabToDIN99, HueOnTheRotatedAxisUsesTheFixedConstants) {
   // (a*, b*) = (-sin16, cos16) makes e = 0 exactly and f = 0.7 > 0: h99 = 1.570796326795; the
   // opposite point gives f < 0 and 4.7123889803850005; the origin 0 (atan2 would round
   // differently). e is compared with 0 exactly: (1e-17, 0) gives atan2(-0.7 sin16, cos16) plus
-  // the rounded full turn. Off the axis, (1, -1): e > 0, f < 0.
+  // the rounded full turn. Off the axis, (1, -1): e > 0, f < 0; (1, 0.4): h99 = 0.07, no turn.
   ScopedHueUnit radians(0);
   const double c16 = std::cos(0.2792526803191111), s16 = std::sin(0.2792526803191111);
   for (const auto& [a, b, hue, tolerance] :
@@ -38,7 +38,8 @@ TEST(LabToDIN99, HueOnTheRotatedAxisUsesTheFixedConstants) {
         {s16, -c16, 4.7123889803850005, 0.0},
         {0.0, 0.0, 0.0, 0.0},
         {1e-17, 0.0, 6.28318530718 - std::atan(0.7 * std::tan(0.2792526803191111)), 1e-14},
-        {1.0, -1.0, std::atan2(0.7 * (-c16 - s16), c16 - s16) + 6.28318530718, 1e-15}}) {
+        {1.0, -1.0, std::atan2(0.7 * (-c16 - s16), c16 - s16) + 6.28318530718, 1e-15},
+        {1.0, 0.4, std::atan2(0.7 * (0.4 * c16 - s16), c16 + 0.4 * s16), 1e-15}}) {
     CValueVector5 din;
     LabToDIN99(50, a, b, 1, 1, din);
     EXPECT_NEAR(din[4], hue, tolerance) << a << " " << b;

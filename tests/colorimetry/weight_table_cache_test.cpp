@@ -12,7 +12,7 @@
 
 // The cache is process-wide and never shrinks, and these tests may run in one process in any
 // order. Each test checks order-independent facts or uses observer codes (2, 3, 6, 1000+,
-// 2000+) that no other test passes, so the keys it creates are fresh. The last one also finds
+// 2000+, 5000) that no other test passes, so the keys it creates are fresh. The last one also finds
 // a key appended twice by an earlier one.
 
 namespace velquor {
@@ -34,7 +34,7 @@ TEST(WeightTableCache, NamesKeysAndCollidingKeys) {
 }
 
 TEST(WeightTableCache, AbsentTablesLeaveTheCacheUnchangedAndEnsureFallsBackToD65) {
-  ASSERT_EQ(LoadWeightTable(2, 0) + LoadWeightTable(2, 1), 2);
+  ASSERT_EQ(LoadWeightTable(2, 0) + LoadWeightTable(2, 1) + LoadWeightTable(0, 5000), 3);
   const std::vector<std::uint32_t> before = GetWeightTableCacheKeys();
   // 17 is a catalogue slot without a table; 20 and -1 are outside the catalogue.
   for (int illuminant : {17, 20, -1}) {
@@ -53,7 +53,7 @@ TEST(WeightTableCache, AbsentTablesLeaveTheCacheUnchangedAndEnsureFallsBackToD65
   EXPECT_TRUE(EnsureWeightTable(index, 0) == 1 && index == 16);
   CValueVector3 white;  // a short vector grows: H23, 2°, Zn 22.889
   white.SetSize(1);
-  ASSERT_EQ(GetWhitePoint(14, 0, white), 1);
+  ASSERT_TRUE(GetWhitePoint(14, 0, white) == 1 && white.GetSize() == 3);
   EXPECT_NEAR(white[2], 22.889, test::kThreeDecimals);
 }
 
