@@ -2,15 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "reference_table.h"
 #include "velquor/frame/resources.h"
 
 namespace velquor {
-namespace {
 
 TEST(IlluminantTexts, CatalogueCodesNamesAndPresentationOrder) {
   std::vector<int> order;
@@ -18,78 +17,49 @@ TEST(IlluminantTexts, CatalogueCodesNamesAndPresentationOrder) {
   const auto& catalogue = test::LoadReferenceTable("reference/colorimetry_illuminant_texts.csv");
   ASSERT_EQ(order.size(), catalogue.size());
   for (const auto& row : catalogue) {
-    SCOPED_TRACE(row.Where());
     const int index = row.Integer("index");
+    const std::string expected = row.Text("code") + "|" + row.Text("name");
     std::string text, code, name;
-    EXPECT_EQ(LoadIlluminantText(index, text), 1);
-    EXPECT_EQ(text, row.Text("code") + "|" + row.Text("name"));
-    EXPECT_EQ(LoadIlluminantCode(index, code), 1);
-    EXPECT_EQ(code, row.Text("code"));
-    EXPECT_EQ(LoadIlluminantName(index, name), 1);
-    EXPECT_EQ(name, row.Text("name"));
-    EXPECT_EQ(order[static_cast<std::size_t>(row.Integer("position"))], index);
+    EXPECT_EQ(LoadIlluminantText(index, text) + LoadIlluminantCode(index, code) +
+                  LoadIlluminantName(index, name),
+              3);
+    EXPECT_EQ(text + "/" + code + "|" + name, expected + "/" + expected) << row.Where();
+    EXPECT_EQ(order[static_cast<std::size_t>(row.Integer("position"))], index) << row.Where();
   }
-  for (int index = 0; index < kIlluminantSlots; ++index) {
-    std::string text;
-    EXPECT_EQ(LoadIlluminantText(index, text), 1) << index;
-    EXPECT_EQ(text, LoadStringResource(kIlluminantTextBase + static_cast<std::uint32_t>(index)));
-    if (index >= 17) {
-      EXPECT_EQ(text, std::to_string(index) + "|None");
-    }
+  // Slots 17-30 read "<index>|None"; -1, 31 and 112 (string 496, an observer text) are
+  // outside the catalogue and clear the output. A text without a bar is code and name.
+  std::string text, code;
+  EXPECT_EQ(LoadIlluminantText(17, text) + LoadIlluminantCode(30, code), 2);
+  EXPECT_EQ(text + code, "17|None30");
+  for (int index : {-1, 31, 112}) {
+    std::string name = text = "stale";
+    EXPECT_EQ(LoadIlluminantText(index, text) + LoadIlluminantName(index, name), 0) << index;
+    EXPECT_EQ(text + name, "") << index;
   }
-  std::string code;
-  EXPECT_EQ(LoadIlluminantCode(30, code), 1);
-  EXPECT_EQ(code, "30");
-  for (int index : {-1, 31, 112}) {  // 112 would be string 496, an observer text
-    std::string text = "stale", name = "stale";
-    EXPECT_EQ(LoadIlluminantText(index, text), 0) << "index " << index;
-    EXPECT_EQ(text, "");
-    EXPECT_EQ(LoadIlluminantName(index, name), 0);
-    EXPECT_EQ(name, "");
-  }
-}
-
-TEST(IlluminantTexts, CodeAndNameSplitAtTheFirstBar) {
-  EXPECT_EQ(IlluminantCodeOf("a|b|c"), "a");
-  EXPECT_EQ(IlluminantNameOf("a|b|c"), "b|c");
-  EXPECT_EQ(IlluminantCodeOf("plain"), "plain");
-  EXPECT_EQ(IlluminantNameOf("plain"), "plain");
-  EXPECT_EQ(IlluminantNameOf("X|"), "");
+  for (const auto& [whole, code, name] :
+       {std::tuple{"a|b|c", "a", "b|c"}, {"plain", "plain", "plain"}})
+    EXPECT_EQ(std::string(IlluminantCodeOf(whole)) + "/" + std::string(IlluminantNameOf(whole)),
+              std::string(code) + "/" + name);
 }
 
 TEST(IlluminantTexts, PresentationOrderRejectsATranslationThatIsNotAList) {
-  struct DropTranslation {
-    ~DropTranslation() { ClearTranslatedStrings(); }
-  } dropTranslation;
   std::vector<int> order = {99};
-  ASSERT_EQ(LoadTranslatedStringsFromText("415\t 2, 0 ,1\n"), 1);
-  EXPECT_EQ(LoadIlluminantOrder(order), 1);
+  EXPECT_TRUE(LoadTranslatedStringsFromText("415\t 2, 0 ,1\n") && LoadIlluminantOrder(order));
   EXPECT_EQ(order, (std::vector<int>{2, 0, 1}));
-  for (const char* bad : {"415\t2,,1\n", "415\t2,x\n", "415\t2,\n", "415\t\n"}) {
-    ASSERT_EQ(LoadTranslatedStringsFromText(bad), 1);
-    EXPECT_EQ(LoadIlluminantOrder(order), 0) << bad;
+  for (const char* bad : {"415\t2,,1\n", "415\t2,x\n", "415\t2,\n", "415\t\n", "415\t2x\n"}) {
+    EXPECT_TRUE(LoadTranslatedStringsFromText(bad) && !LoadIlluminantOrder(order)) << bad;
     EXPECT_TRUE(order.empty()) << bad;
   }
+  ClearTranslatedStrings();
 }
 
 TEST(ObserverTexts, CodeOneIsTenDegreesEveryOtherCodeTwo) {
   using F = ObserverTextForm;
-  const struct {
-    int observer;
-    ObserverTextForm form;
-    const char* text;
-  } cases[] = {{0, F::kPlain, "2°"},    {1, F::kPlain, "10°"},  {0, F::kDash, " - 2°"},
-               {1, F::kDash, " - 10°"}, {0, F::kSlash, "/2°"},  {1, F::kSlash, "/10°"},
-               {2, F::kPlain, "2°"},    {-1, F::kSlash, "/2°"}, {10, F::kDash, " - 2°"}};
-  for (const auto& c : cases) {
-    std::string text;
-    EXPECT_EQ(LoadObserverText(c.observer, c.form, text), 1);
-    EXPECT_EQ(text, c.text) << "observer " << c.observer;
-  }
-  std::string word;
-  EXPECT_EQ(LoadIlluminantWord(word), 1);
-  EXPECT_EQ(word, "Illuminant ");
+  std::string a, b, c, d, e;
+  EXPECT_TRUE(LoadObserverText(1, F::kPlain, a) && LoadObserverText(0, F::kDash, b) &&
+              LoadObserverText(1, F::kSlash, c) && LoadObserverText(2, F::kPlain, d) &&
+              LoadIlluminantWord(e));
+  EXPECT_EQ(a + b + c + d + e, "10° - 2°/10°2°Illuminant ");
 }
 
-}  // namespace
 }  // namespace velquor

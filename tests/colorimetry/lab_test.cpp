@@ -3,264 +3,142 @@
 #include <gtest/gtest.h>
 #include <lcms2.h>
 
-#include <cmath>
 #include <random>
-#include <tuple>
 #include <vector>
 
 #include "colour_space_references.h"
-#include "tolerances.h"
-#include "velquor/frame/numeric.h"
+#include "velquor/colorimetry/hunter_lab.h"
+#include "velquor/colorimetry/lab_batch.h"
+#include "velquor/colorimetry/weight_table_cache.h"
 
 namespace velquor {
-namespace {
 
-using testing_support::AllMissing;
-using testing_support::kWhites;
-using testing_support::ScopedHueUnit;
-using testing_support::Vector3;
-
-// ---------------------------------------------------------------- CIE 15:2004 with exact fractions
-
-constexpr double kCieEpsilon = 216.0 / 24389.0;
-constexpr double kCieKappa = 24389.0 / 27.0;
-
-double CieF(double t) {
-  return t > kCieEpsilon ? std::cbrt(t) : (kCieKappa * t + 16.0) / 116.0;
+TEST(CielabConversions, BreakpointsFromBothSidesAndMissingInputs) {
+  // White (1, 1, 1): linear L* = 116 (7.787 t + 16/116) - 16 = 903.292 t up to and including
+  // 0.008856, 116 t^(1/3) - 16 above (4e-5 apart there).
+  for (const auto& [t, expectedL] :
+       {std::pair{0.008856, 903.292 * 0.008856}, {0.008857, 116 * std::cbrt(0.008857) - 16}}) {
+    CValueVector5 lab;
+    XYZToLab(Vector3(1, 1, 1), Vector3(t, t, t), lab);
+    EXPECT_NEAR(lab[0], expectedL, 1e-11) << t;
+  }
+  // The inverse switches at f = 6/29, which L* = 8 reaches exactly: linear there with the
+  // library's six-digit offset 0.137931, the cube just above (7e-6 relative apart).
+  for (const auto& [l, expectedY] : {std::pair{8.0, (6.0 / 29.0 - 0.137931) * 0.1284191601386927},
+                                     {8.0 + 1e-9, std::pow((8.0 + 1e-9 + 16) / 116, 3)}}) {
+    CValueVector3 xyz;
+    LabToXYZ(Vector3(1, 1, 1), l, 0, 0, xyz);
+    EXPECT_NEAR(xyz[1], expectedY, 1e-16) << l;
+  }
+  for (const auto& [x, y, z] :
+       {std::tuple{kMissing, 50.0, 50.0}, {50.0, kMissing, 50.0}, {50.0, 50.0, kMissing}}) {
+    CValueVector5 lab;
+    CValueVector3 d, xyz;
+    XYZToLab(Vector3(kWhites[0]), Vector3(x, y, z), lab);
+    LabDifferential(Vector3(kWhites[0]), Vector3(x, y, z), 1, 1, 1, d);
+    LabToXYZ(Vector3(kWhites[0]), x, y, z, xyz);
+    EXPECT_TRUE(AllMissing(lab) && AllMissing(d) && AllMissing(xyz)) << x << y;
+  }
 }
-double CieFInverse(double f) {
-  return f > 6.0 / 29.0 ? f * f * f : (116.0 * f - 16.0) / kCieKappa;
-}
 
-// What the library's rounded constants alone explain. For 0 <= t <= 0.008856 its f uses slope
-// 7.787 instead of 841/108, so it lies below CIE's by at most (841/108 - 7.787) x 0.008856
-// = 3.28e-7; between 0.008856 and 216/24389 CIE's line is tangent to the cube root and the two
-// differ by under 1e-8 x 1e-3. Hence |dL*| <= 116 kF, |da*| <= 500 kF, |db*| <= 200 kF.
-constexpr double kF = (841.0 / 108.0 - 7.787) * 0.008856;
-constexpr double kSlack = 1e-11;  // double rounding in either computation
-
-// Reflectance-like samples: a fraction of the white per component, some of them dark enough
-// for the linear branch (t below 0.0089) in one or more components.
-std::vector<CValueVector3> Samples(const testing_support::WhitePoint& w, int count) {
+// LittleCMS (exact CIE 15 fractions, Y = 1 scale) as the peer for L*a*b* and LCh. Where a ratio
+// is below the breakpoint the library's slope 7.787 against 841/108 lowers f by up to
+// kF = 3.3e-7 (L* by 116 kF, a* by 500 kF, b* by 200 kF); a degree hue within 0.005 of 360
+// is reported as 0. LabToXYZ returns within 1e-8 of the white (its linear branch is off CIE's
+// by (16/116 - 0.137931) / 7.787 = 4.4e-9).
+TEST(XYZToLab, AgreesWithLittleCmsAndRoundTrips) {
+  constexpr double kF = (841.0 / 108.0 - 7.787) * 0.008856;
   std::mt19937_64 rng(20240611);
   auto uniform = [&rng](double hi) { return static_cast<double>(rng() >> 11) * 0x1p-53 * hi; };
-  std::vector<CValueVector3> out;
-  for (int i = 0; i < count; ++i) {
-    const double range = i % 4 == 0 ? 0.012 : (i % 4 == 1 ? 0.03 : 1.05);
-    out.push_back(Vector3(uniform(range) * w.x, uniform(range) * w.y, uniform(range) * w.z));
-  }
-  return out;
-}
-
-// ---------------------------------------------------------------- branch points
-
-struct LabBranchCase {
-  const char* what;
-  double t;          // X/Xn = Y/Yn = Z/Zn
-  double expectedL;  // hand calculation on the branch named
-};
-
-// White (1, 1, 1) puts t exactly on the stored double. Linear branch:
-// L* = 116 (7.787 t + 16/116) - 16 = 903.292 t; cube branch: 116 t^(1/3) - 16.
-// The two differ by 4e-5 at the breakpoint, so 1e-11 tells them apart.
-const LabBranchCase kLabBranches[] = {
-    {"below breakpoint, linear", 0.008855, 903.292 * 0.008855},
-    {"at breakpoint 0.008856, linear", 0.008856, 903.292 * 0.008856},  // 7.999553952
-    {"above breakpoint, cube root", 0.008857, 116 * std::cbrt(0.008857) - 16},
-    {"black", 0.0, 0.0},
-};
-
-TEST(XYZToLab, BreakpointTakesTheLinearBranchFromBelowAndTheCubeRootAbove) {
-  const CValueVector3 white = Vector3(1, 1, 1);
-  for (const LabBranchCase& c : kLabBranches) {
-    SCOPED_TRACE(c.what);
-    CValueVector5 lab;
-    XYZToLab(white, Vector3(c.t, c.t, c.t), lab);
-    EXPECT_NEAR(lab[0], c.expectedL, 1e-11);
-    EXPECT_NEAR(lab[1], 0, test::kNearZero);
-    EXPECT_NEAR(lab[2], 0, test::kNearZero);
-  }
-}
-
-TEST(XYZToLab, EachComponentChoosesItsOwnBranch) {
-  ScopedHueUnit degrees(1);
-  // X on the linear branch at the breakpoint, Y and Z = 1/8 on the cube branch (f = 0.5):
-  // a* = 500 (7.787 x 0.008856 + 16/116 - 0.5), b* = 0, hue 180 degrees.
-  CValueVector5 lab;
-  XYZToLab(Vector3(1, 1, 1), Vector3(0.008856, 0.125, 0.125), lab);
-  const double a = 500 * (0.068961672 + 16.0 / 116.0 - 0.5);
-  EXPECT_NEAR(lab[0], 116 * 0.5 - 16, test::kExactFormula);
-  EXPECT_NEAR(lab[1], a, 1e-10);
-  EXPECT_NEAR(lab[2], 0, test::kNearZero);
-  EXPECT_NEAR(lab[3], -a, 1e-10);
-  EXPECT_NEAR(lab[4], 180, 1e-11);
-}
-
-TEST(LabToXYZ, InverseBreakpointAtSixTwentyNinths) {
-  // (8 + 16) x 0.008620689655172414 is exactly the double 6/29: the linear branch, with the
-  // library's six-digit offset: t = (6/29 - 0.137931) x 0.1284191601386927. Just above,
-  // t = f^3; the two branches differ by 7e-6 relative here.
-  const CValueVector3 white = Vector3(1, 1, 1);
-  struct Case {
-    double lStar, expectedY;
-  };
-  const double sixTwentyNinths = 6.0 / 29.0;
-  for (const Case c : {Case{8.0, (sixTwentyNinths - 0.137931) * 0.1284191601386927},
-                       Case{8.0 - 1e-9, ((8.0 - 1e-9 + 16) / 116 - 0.137931) * 0.1284191601386927},
-                       Case{8.0 + 1e-9, std::pow((8.0 + 1e-9 + 16) / 116, 3)}}) {
-    SCOPED_TRACE(c.lStar);
-    CValueVector3 xyz;
-    LabToXYZ(white, c.lStar, 0, 0, xyz);
-    EXPECT_NEAR(xyz[1], c.expectedY, 1e-16);
-    EXPECT_DOUBLE_EQ(xyz[0], xyz[1]);
-    EXPECT_DOUBLE_EQ(xyz[2], xyz[1]);
-  }
-}
-
-// ---------------------------------------------------------------- independent references
-
-// LittleCMS's cmsXYZ2Lab uses the exact CIE fractions too (on the Y = 1 scale), so it must agree
-// within the same bounds; cmsLab2LCh applied to our own a*, b* checks the polar step, where only
-// the rounded radians-to-degrees factor differs (1e-11 at most), except the wrap: a hue within
-// 0.005 of 360 degrees is reported by the library as 0.
-TEST(XYZToLab, AgreesWithExactFractionCielabAndLittleCmsWithinTheRoundedConstants) {
-  ScopedHueUnit degrees(1);
   for (const auto& w : kWhites) {
-    const CValueVector3 white = Vector3(w);
     const cmsCIEXYZ cmsWhite{w.x / 100, w.y / 100, w.z / 100};
-    for (const CValueVector3& xyz : Samples(w, 400)) {
-      const double fx = CieF(xyz[0] / w.x), fy = CieF(xyz[1] / w.y), fz = CieF(xyz[2] / w.z);
-      const double refL = 116 * fy - 16, refA = 500 * (fx - fy), refB = 200 * (fy - fz);
+    for (int i = 0; i < 400; ++i) {
+      const double range = i % 4 == 0 ? 0.012 : (i % 4 == 1 ? 0.03 : 1.05);
+      const double t[3] = {uniform(range), uniform(range), uniform(range)};
+      const CValueVector3 xyz = Vector3(t[0] * w.x, t[1] * w.y, t[2] * w.z);
+      SCOPED_TRACE(testing::Message() << w.name << " t " << t[0] << " " << t[1] << " " << t[2]);
       CValueVector5 lab;
-      XYZToLab(white, xyz, lab);
-      SCOPED_TRACE(testing::Message()
-                   << w.name << " XYZ " << xyz[0] << " " << xyz[1] << " " << xyz[2]);
-      EXPECT_NEAR(lab[0], refL, 116 * kF + kSlack);
-      EXPECT_NEAR(lab[1], refA, 500 * kF + kSlack);
-      EXPECT_NEAR(lab[2], refB, 200 * kF + kSlack);
-      // Above both breakpoints the formulas coincide: no difference beyond rounding.
-      if (xyz[0] / w.x > 0.0089 && xyz[1] / w.y > 0.0089 && xyz[2] / w.z > 0.0089) {
-        EXPECT_NEAR(lab[0], refL, kSlack);
-        EXPECT_NEAR(lab[1], refA, kSlack);
-        EXPECT_NEAR(lab[2], refB, kSlack);
-      }
+      CValueVector3 back;
+      XYZToLab(Vector3(w), xyz, lab);
+      LabToXYZ(Vector3(w), lab[0], lab[1], lab[2], back);
       const cmsCIEXYZ cmsXyz{xyz[0] / 100, xyz[1] / 100, xyz[2] / 100};
       cmsCIELab ref;
-      cmsXYZ2Lab(&cmsWhite, &ref, &cmsXyz);
-      EXPECT_NEAR(lab[0], ref.L, 116 * kF + test::kIndependent);
-      EXPECT_NEAR(lab[1], ref.a, 500 * kF + test::kIndependent);
-      EXPECT_NEAR(lab[2], ref.b, 200 * kF + test::kIndependent);
-      const cmsCIELab ours{lab[0], lab[1], lab[2]};
       cmsCIELCh lch;
+      cmsXYZ2Lab(&cmsWhite, &ref, &cmsXyz);
+      const cmsCIELab ours{lab[0], lab[1], lab[2]};
       cmsLab2LCh(&lch, &ours);
+      const double k = t[0] > 0.0089 && t[1] > 0.0089 && t[2] > 0.0089 ? 0 : kF;
+      EXPECT_NEAR(lab[0], ref.L, 116 * k + test::kIndependent);
+      EXPECT_NEAR(lab[1], ref.a, 500 * k + test::kIndependent);
+      EXPECT_NEAR(lab[2], ref.b, 200 * k + test::kIndependent);
       EXPECT_NEAR(lab[3], lch.C, test::kExactFormula * (1 + lch.C));
       EXPECT_NEAR(lab[4], 360 - lch.h < 0.005 ? 0.0 : lch.h, 1e-10);
+      for (int c = 0; c < 3; ++c) EXPECT_NEAR(back[c], xyz[c], 1e-8 * w.x) << c;
     }
   }
 }
-
-TEST(LabToXYZ, AgreesWithExactFractionInverseWithinTheRoundedConstants) {
-  // On the linear branch the library uses (f - 0.137931) / 7.787 where CIE has
-  // (f - 16/116) x 108/841; the difference is at most
-  // |f - 16/116| |1/7.787 - 108/841| + |16/116 - 0.137931| / 7.787 in t. On the cube branch
-  // (f > 6/29, the same breakpoint in both) the two coincide.
-  const auto& w = kWhites[0];
-  const CValueVector3 white = Vector3(w);
-  for (double l = 0; l <= 100; l += 2.5) {
-    for (double a = -128; a <= 128; a += 8) {
-      for (double b = -128; b <= 128; b += 8) {
-        const double fy = (l + 16) / 116, fx = fy + a / 500, fz = fy - b / 200;
-        CValueVector3 xyz;
-        LabToXYZ(white, l, a, b, xyz);
-        const double f[3] = {fx, fy, fz};
-        const double n[3] = {w.x, w.y, w.z};
-        for (int c = 0; c < 3; ++c) {
-          const double bound =
-              f[c] > 6.0 / 29.0
-                  ? test::kExactFormula * n[c]
-                  : (std::abs(f[c] - 16.0 / 116.0) * std::abs(1 / 7.787 - 108.0 / 841.0) +
-                     (16.0 / 116.0 - 0.137931) / 7.787) *
-                            n[c] +
-                        1e-12;
-          const double ref = CieFInverse(f[c]) * n[c];
-          ASSERT_NEAR(xyz[c], ref, bound) << "L*a*b* " << l << " " << a << " " << b;
-        }
-      }
-    }
-  }
-}
-
-// ---------------------------------------------------------------- linearised CIELAB
 
 TEST(LabDifferential, SlopeOfEachBranchAndComponentWiring) {
-  const CValueVector3 white = Vector3(1, 2, 4);
-  struct Case {
-    const char* what;
-    double t;      // X/Xn = Y/Yn = Z/Zn
-    double slope;  // df/dt, by hand
-  };
-  // At the breakpoint the linear slope 7.787 applies; above it the cube root's derivative
-  // t^(-2/3) / 3, which at 0.008857 is 7.7867 (3e-5 away from 7.787).
-  for (const Case c : {Case{"at breakpoint", 0.008856, 7.787},
-                       Case{"above breakpoint", 0.008857, 1 / (3 * std::cbrt(0.008857 * 0.008857))},
-                       Case{"mid grey", 0.125, 1 / (3 * 0.25)}}) {
-    SCOPED_TRACE(c.what);
-    const CValueVector3 xyz = Vector3(c.t * 1, c.t * 2, c.t * 4);
+  // White (1, 2, 4), XYZ = t x white: df = slope x d / Xn per component, dL* = 116 dfY,
+  // da* = 500 (dfX - dfY), db* = 200 (dfY - dfZ). The slope is 7.787 at the breakpoint and
+  // t^(-2/3) / 3 above (7.7867 at 0.008857). A step of 1e-5 is a number, not missing.
+  for (const auto& [t, slope, step] : {std::tuple{0.008856, 7.787, 0.01},
+                                       {0.008857, 1 / (3 * std::cbrt(0.008857 * 0.008857)), 0.01},
+                                       {0.125, 1 / (3 * 0.25), 1e-5}}) {
+    const double fx = slope * 3 * step, fy = slope * step / 2, fz = slope * -2 * step / 4;
+    const double expected[3] = {116 * fy, 500 * (fx - fy), 200 * (fy - fz)};
     CValueVector3 d;
-    // dY only: dL* = 116 df, da* = -500 df, db* = 200 df, with df = slope x dY / Yn.
-    LabDifferential(white, xyz, 0, 0.01, 0, d);
-    const double dfY = c.slope * 0.01 / 2;
-    EXPECT_NEAR(d[0], 116 * dfY, test::kExactFormula * std::abs(116 * dfY));
-    EXPECT_NEAR(d[1], -500 * dfY, test::kExactFormula * std::abs(500 * dfY));
-    EXPECT_NEAR(d[2], 200 * dfY, test::kExactFormula * std::abs(200 * dfY));
-    // dX only moves a*; dZ only moves b*, in the negative direction.
-    LabDifferential(white, xyz, 0.01, 0, 0, d);
-    EXPECT_EQ(d[0], 0.0);
-    EXPECT_NEAR(d[1], 500 * c.slope * 0.01 / 1, test::kExactFormula * 500 * c.slope * 0.01);
-    EXPECT_EQ(d[2], 0.0);
-    LabDifferential(white, xyz, 0, 0, 0.01, d);
-    EXPECT_NEAR(d[2], -200 * c.slope * 0.01 / 4, test::kExactFormula * 200 * c.slope * 0.01 / 4);
+    LabDifferential(Vector3(1, 2, 4), Vector3(t, 2 * t, 4 * t), 3 * step, step, -2 * step, d);
+    for (int k = 0; k < 3; ++k)
+      EXPECT_NEAR(d[k], expected[k], test::kExactFormula * (1 + std::abs(expected[k]))) << t << k;
   }
 }
 
-TEST(LabDifferential, AStepOfOneHundredThousandthIsNotMissing) {
-  CValueVector3 d;
-  LabDifferential(Vector3(1, 1, 1), Vector3(0.125, 0.125, 0.125), 1e-05, 1e-05, 1e-05, d);
-  // 116 x (1/3) x 0.125^(-2/3) x 1e-5 = 116 x 1e-5 / 0.75
-  EXPECT_NEAR(d[0], 116e-5 / 0.75, 1e-15);
-  EXPECT_NEAR(d[1], 0, 1e-15);
+// Random colours and missing samples (one component is enough), into records of 8: exactly the
+// single conversion, the gap untouched.
+TEST(XYZToLabBatch, BitIdenticalToSingleSamplesAndRejectsBadArguments) {
+  const auto& w = kWhites[1];
+  const double white[3] = {w.x, w.y, w.z};
+  std::mt19937_64 rng(7);
+  std::vector<double> in = {kMissing, kMissing, kMissing, 20, kMissing, 20};
+  for (int i = 0; i < 300; ++i) in.push_back(static_cast<double>(rng() >> 11) * 0x1p-53 * 100);
+  const std::size_t count = in.size() / 3;
+  std::vector<double> out(count * 8, -9.0);
+  ASSERT_EQ(XYZToLabBatch(white, in.data(), 3, out.data(), 8, count), count);
+  for (std::size_t i = 0; i < count * 8; ++i) {
+    CValueVector5 single;
+    XYZToLab(Vector3(w), Vector3(in[i / 8 * 3], in[i / 8 * 3 + 1], in[i / 8 * 3 + 2]), single);
+    ASSERT_EQ(out[i], i % 8 < 5 ? single[i % 8] : -9.0) << i;
+  }
+  EXPECT_EQ(XYZToLabBatch(white, in.data(), 2, out.data(), 5, count), 0u);
+  EXPECT_EQ(XYZToLabBatch(white, in.data(), 3, out.data(), 4, count), 0u);
+  EXPECT_EQ(XYZToLabBatch(nullptr, in.data(), 3, out.data(), 5, count), 0u);
+  EXPECT_EQ(XYZToLabBatch(white, in.data(), 3, nullptr, 5, count), 0u);
+  EXPECT_EQ(XYZToLabBatch(white, nullptr, 3, nullptr, 5, 0), 0u);
 }
 
-// ---------------------------------------------------------------- missing values
-
-TEST(CielabConversions, MissingInputsGiveMissingOutputs) {
-  const CValueVector3 white = Vector3(kWhites[0]);
-  const CValueVector3 missingWhite = Vector3(kMissing, kMissing, kMissing);
-  // Any one missing component spoils the whole coordinate record.
-  for (const CValueVector3& xyz :
-       {Vector3(kMissing, 50, 50), Vector3(50, kMissing, 50), Vector3(50, 50, kMissing)}) {
-    CValueVector5 lab;
-    XYZToLab(white, xyz, lab);
-    EXPECT_TRUE(AllMissing(lab));
-    CValueVector3 d;
-    LabDifferential(white, xyz, 1, 1, 1, d);
-    EXPECT_TRUE(AllMissing(d));
-  }
-  CValueVector5 lab;
-  XYZToLab(missingWhite, Vector3(50, 50, 50), lab);
-  EXPECT_TRUE(AllMissing(lab));
-  CValueVector3 empty;
-  empty.RemoveAll();
-  XYZToLab(white, empty, lab);
-  EXPECT_TRUE(AllMissing(lab));
-
-  for (const auto& [l, a, b] : {std::tuple{kMissing, 1.0, 1.0}, std::tuple{50.0, kMissing, 1.0},
-                                std::tuple{50.0, 1.0, kMissing}}) {
-    CValueVector3 xyz;
-    LabToXYZ(white, l, a, b, xyz);
-    EXPECT_TRUE(AllMissing(xyz));
+// The (illuminant, observer) forms read the catalogue's white and, for Hunter Lab, take the
+// classic formulas for C/2 only. Each equals the explicit-white form with GetWhitePoint's white,
+// bit for bit; 40 has no table, so its white and every result are missing.
+TEST(ConversionsByIlluminant, SameResultsAsTheWhitePointForms) {
+  const CValueVector3 xyz = Vector3(31.5, 27.25, 12.75);
+  for (const auto& [illuminant, observer] : {std::pair{5, 1}, {1, 0}, {1, 1}, {40, 0}}) {
+    SCOPED_TRACE(testing::Message() << illuminant << "/" << observer);
+    const bool classic = UsesClassicHunterLab(illuminant, observer), missing = illuminant == 40;
+    EXPECT_EQ(classic, illuminant == 1 && observer == 0);
+    CValueVector3 white, pair3, white3;
+    CValueVector5 pair5, white5;
+    EXPECT_EQ(GetWhitePoint(illuminant, observer, white), missing ? 0 : 1);
+    XYZToLab(illuminant, observer, xyz, pair5);
+    XYZToLab(white, xyz, white5);
+    double record[5] = {xyz[0], xyz[1], xyz[2], 0, 0};
+    ASSERT_EQ(XYZToLabBatch(illuminant, observer, record, 5, record, 5, 1), 1u);
+    for (int k = 0; k < 5; ++k) EXPECT_TRUE(pair5[k] == white5[k] && record[k] == white5[k]);
+    XYZToHunterLab(illuminant, observer, xyz, pair3);
+    classic ? XYZToHunterLabClassic(xyz, white3) : XYZToHunterLab(white, xyz, white3);
+    for (int k = 0; k < 3; ++k) EXPECT_EQ(pair3[k], white3[k]);
+    EXPECT_EQ(AllMissing(white5) && AllMissing(white3), missing);
   }
 }
 
-}  // namespace
 }  // namespace velquor
