@@ -2,12 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <memory>
 #include <span>
 #include <sstream>
 #include <string>
-#include <type_traits>
+#include <vector>
 
 #include "reference_table.h"
 #include "velquor/frame/utf8.h"
@@ -26,15 +24,13 @@ S FromHex(const std::string& hex) {
 
 // Converts from a heap buffer of exactly the input's size, so that the address sanitizer
 // catches a read past the end.
-template <class S>
-auto ConvertExact(const S& text) {
-  const auto buffer = std::make_unique<typename S::value_type[]>(text.size() + (text.empty() ? 1 : 0));
-  std::copy(text.begin(), text.end(), buffer.get());
-  if constexpr (std::is_same_v<S, std::string>) {
-    return Utf8ToUtf16(std::string_view(buffer.get(), text.size()));
-  } else {
-    return Utf16ToUtf8(std::u16string_view(buffer.get(), text.size()));
-  }
+std::u16string ConvertExact(const std::string& utf8) {
+  const std::vector<char> exact(utf8.begin(), utf8.end());
+  return Utf8ToUtf16(std::string_view(exact.data(), exact.size()));
+}
+std::string ConvertExact(const std::u16string& utf16) {
+  const std::vector<char16_t> exact(utf16.begin(), utf16.end());
+  return Utf16ToUtf8(std::u16string_view(exact.data(), exact.size()));
 }
 
 // The one UTF-8 decoder is seen through its three users: the conversion to UTF-16, the repair
