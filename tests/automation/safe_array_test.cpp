@@ -20,16 +20,13 @@ namespace {
 
 TEST(AutomationModel, ResultCodesHaveTheirStandardValues) {
   for (const auto& [code, bits] : {std::pair(E_INVALIDARG, 0x80070057u), std::pair(E_POINTER, 0x80004003u),
-                                   std::pair(E_FAIL, 0x80004005u), std::pair(DISP_E_BADINDEX, 0x8002000Bu)}) {
+                                   std::pair(E_FAIL, 0x80004005u), std::pair(DISP_E_BADINDEX, 0x8002000Bu)})
     EXPECT_TRUE(static_cast<std::uint32_t>(code) == bits && Failed(code) && Succeeded(S_OK));
-  }
 }
 
 TEST(AutomationModel, BstrCarriesItsByteLengthBeforeTheText) {
   BSTR bstr = SysAllocStringLen(u"ab\0c", 4);
-  std::uint32_t prefix = 0;
-  std::memcpy(&prefix, reinterpret_cast<const unsigned char*>(bstr) - 4, 4);
-  EXPECT_EQ(prefix, 8u);
+  EXPECT_EQ(reinterpret_cast<const std::uint32_t*>(bstr)[-1], 8u);  // the byte length, before the text
   EXPECT_EQ(SysStringLen(bstr), 4u);  // the embedded NUL counts
   EXPECT_EQ(std::u16string(bstr, 5), std::u16string(u"ab\0c\0", 5));
   SysFreeString(bstr);
@@ -73,10 +70,7 @@ TEST(AutomationModel, ElementIndicesAreCheckedOnBothSidesOfEachBound) {
 
 TEST(AutomationModel, LocksGuardRedimAndDestroy) {
   SAFEARRAY* psa = SafeArrayCreateVector(VT_BSTR, 0, 2);
-  const LONG index = 1;
-  BSTR text = SysAllocString(u"kept");
-  ASSERT_EQ(SafeArrayPutElement(psa, &index, text), S_OK);
-  SysFreeString(text);
+  static_cast<BSTR*>(psa->pvData)[1] = SysAllocString(u"kept");
   EXPECT_EQ(SafeArrayUnlock(psa), E_UNEXPECTED);
   void* data = nullptr;
   ASSERT_EQ(SafeArrayAccessData(psa, &data), S_OK);
