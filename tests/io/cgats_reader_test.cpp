@@ -24,25 +24,13 @@ std::string Cgats(const std::string& rows, const std::string& sets = "2", const 
          "\nEND_DATA_FORMAT\nNUMBER_OF_SETS " + sets + "\nBEGIN_DATA\n" + rows;
 }
 
+std::string DataFile(const std::string& name) {
+  return std::string(VELQUOR_TEST_DATA_DIR) + "/io/" + name;
+}
+
 TEST(CgatsReader, ReadsHeaderFormatAndSamples) {
-  const std::string text =
-      "CGATS.17\n"
-      "# exported by hand\n"
-      "ORIGINATOR \"velquor test\"  # trailing comment\n"
-      "KEYWORD \"MEASUREMENT_GEOMETRY\"\n"
-      "MEASUREMENT_GEOMETRY \"d/8\"\n"
-      "NUMBER_OF_FIELDS 6\n"
-      "BEGIN_DATA_FORMAT SAMPLE_ID\n"
-      "SAMPLE_NAME\n"
-      "SPECTRAL_NM_400 SPECTRAL_NM410 380 nm420 END_DATA_FORMAT\n"
-      "NUMBER_OF_SETS 2\n"
-      "BEGIN_DATA\n"
-      "A1\t\"patch # one\"\t10.5\t20\t55.2\t30\n"
-      "\n"
-      "A2 'two' 11 21 56 31.25\n"
-      "END_DATA\n";
   MeasurementFile file;
-  const MeasurementStatus status = ParseCgats(text, "in.cgats", {}, file);
+  const MeasurementStatus status = ReadCgatsFile(DataFile("header_forms.cgats"), {}, file);
   ASSERT_TRUE(status.ok) << status.error.Message();
   EXPECT_EQ(file.identifier, "CGATS.17");
   ASSERT_EQ(file.keywords.size(), 3u);
@@ -174,14 +162,8 @@ TEST(CgatsReader, MissingValuesAndTrailingContentAreNoted) {
 
 // Writing keeps the header and the other columns; reading the output gives the same file.
 TEST(CgatsWriter, RoundTripKeepsKeywordsColumnsAndMissingValues) {
-  const std::string text =
-      "CTI3\nKEYWORD \"DEVICE_CLASS\"\nDEVICE_CLASS \"OUTPUT\"\nBEGIN_DATA_FORMAT\n"
-      "SAMPLE_ID SAMPLE_NAME nm400 nm410 nm420 LAB_L DATE\nEND_DATA_FORMAT\nBEGIN_DATA\n"
-      "1 \"with space\" 0.1 0.25 0.3 50.5 \"2024-01-02\"\n"
-      "2 \"it's\" 0.4 \"\" 0.6 60 ''\n"
-      "END_DATA\n";
   MeasurementFile first, second;
-  ASSERT_TRUE(ParseCgats(text, "in.ti3", {}, first).ok);
+  ASSERT_TRUE(ReadCgatsFile(DataFile("other_columns.ti3"), {}, first).ok);
   std::string written;
   ASSERT_TRUE(FormatCgats(first, {}, written));
   EXPECT_NE(written.find("\t50.5\t"), std::string::npos) << written;  // numbers unquoted

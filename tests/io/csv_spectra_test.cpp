@@ -10,13 +10,16 @@
 #include "velquor/frame/utf8.h"
 #include "velquor/io/cgats_reader.h"
 #include "velquor/io/cgats_writer.h"
+#include "velquor/io/spectral_grid_mapping.h"
 
 namespace velquor {
 namespace {
 
-// The ColorChecker file reads as printed ("dark skin": 0.0480 at 380 nm, 0.4210 at 780 nm), and
-// CSV -> CGATS -> CSV keeps every value exactly and the sample names.
-TEST(CsvSpectra, ColorCheckerReadsAndSurvivesConversionToCgatsAndBack) {
+// The ColorChecker file (380-780 nm at 5 nm) reads as printed ("dark skin": 0.0480 at 380 nm,
+// 0.4210 at 780 nm); CSV -> CGATS -> CSV keeps every value exactly and the sample names; on
+// the grid every point from 380 nm on is a measured value times 100, exactly, and 360 and 370
+// nm repeat the 380 nm value.
+TEST(CsvSpectra, ColorCheckerReadsConvertsAndMaps) {
   MeasurementFile csv, cgats, back;
   const MeasurementStatus read =
       ReadCsvSpectraFile(std::string(VELQUOR_TEST_DATA_DIR) + "/samples/colorchecker_ohta_380_780_5nm.csv", {}, csv);
@@ -41,6 +44,19 @@ TEST(CsvSpectra, ColorCheckerReadsAndSurvivesConversionToCgatsAndBack) {
     for (std::size_t s = 0; s < csv.samples.size(); ++s) {
       EXPECT_EQ(file->SampleLabel(s), csv.SampleLabel(s));
       EXPECT_EQ(file->samples[s].values, csv.samples[s].values) << csv.SampleLabel(s);
+    }
+  }
+  std::vector<MappedSample> mapped;
+  SpectralGridMapping mapping;
+  ASSERT_TRUE(MapMeasurementFile(csv, mapped, &mapping).ok);
+  ASSERT_EQ(mapped.size(), 24u);
+  EXPECT_EQ(mapping.Method(), GridMappingMethod::kSampled);
+  EXPECT_EQ(mapping.ExtrapolatedWavelengths(), (std::vector<int>{360, 370}));
+  EXPECT_EQ(mapping.Describe(), "sampled at the grid wavelengths; extrapolated by repeating the nearest measured value: 360, 370 nm");
+  for (std::size_t s = 0; s < mapped.size(); ++s) {
+    EXPECT_FALSE(mapped[s].hasMissing);
+    for (std::size_t i = 0; i < kSpectrumPoints; ++i) {
+      EXPECT_EQ(mapped[s].curve[i], csv.samples[s].values[i < 2 ? 0 : (i - 2) * 2] * 100.0) << s << " at " << i;
     }
   }
 }

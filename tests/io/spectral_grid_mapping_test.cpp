@@ -42,29 +42,6 @@ CKSData Map(const std::vector<double>& wavelengths, const std::vector<double>& v
   return curve;
 }
 
-// The ColorChecker file (380-780 nm at 5 nm, fractions): every grid point from 380 nm on is a
-// measured value times 100, exactly; 360 and 370 nm repeat the 380 nm value.
-TEST(SpectralGridMapping, ColorCheckerIsSampledAndExtrapolatedAtTheShortEnd) {
-  MeasurementFile file;
-  const std::string path = std::string(VELQUOR_TEST_DATA_DIR) + "/samples/colorchecker_ohta_380_780_5nm.csv";
-  ASSERT_TRUE(ReadCsvSpectraFile(path, {}, file).ok);
-  std::vector<MappedSample> mapped;
-  SpectralGridMapping mapping;
-  const MeasurementStatus status = MapMeasurementFile(file, mapped, &mapping);
-  ASSERT_TRUE(status.ok) << status.error.Message();
-  ASSERT_EQ(mapped.size(), 24u);
-  EXPECT_EQ(mapping.Method(), GridMappingMethod::kSampled);
-  EXPECT_EQ(mapping.ExtrapolatedWavelengths(), (std::vector<int>{360, 370}));
-  EXPECT_EQ(mapping.Describe(),
-            "sampled at the grid wavelengths; extrapolated by repeating the nearest measured value: 360, 370 nm");
-  for (std::size_t s = 0; s < mapped.size(); ++s) {
-    EXPECT_FALSE(mapped[s].hasMissing);
-    for (std::size_t i = 0; i < kSpectrumPoints; ++i) {  // the file's values: 380, 385, ... 780 nm
-      EXPECT_EQ(mapped[s].curve[i], file.samples[s].values[i < 2 ? 0 : (i - 2) * 2] * 100.0) << s << " at " << GridNm(i);
-    }
-  }
-}
-
 // Each method is exact for the polynomials it can reproduce: Sprague (20 nm data from 300 to
 // 800 nm, two measured bands on each side of every grid point) for degree 4; the local cubic
 // (irregular data, or regular data too short for Sprague) for degree 3, degree 2 with three
