@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "measurement_test_support.h"
+#include "reference_table.h"
 #include "velquor/frame/utf8.h"
 #include "velquor/io/cgats_reader.h"
 #include "velquor/io/cgats_writer.h"
@@ -84,27 +85,15 @@ TEST(CsvSpectra, KeepsOtherColumnsQuotingAndMissingValuesThroughAWrite) {
   EXPECT_EQ(back.MissingWavelengths(1), (std::vector<double>{400, 420}));
 }
 
-// The delimiter is the most frequent of ',', ';' and TAB in the header, ties going to ',' and
-// then ';' (the wavelength column found shows which won); the name column is SAMPLE_NAME or
-// Name, else the first column that is not an identifier.
 TEST(CsvSpectra, ChoosesTheDelimiterAndTheNameColumn) {
-  const struct {
-    const char* text;
-    std::vector<double> wavelengths;
-    std::ptrdiff_t nameField, idField;
-  } kCases[] = {
-      {"400;410\t420\n1;2\t3", {400}, 0, -1},
-      {"400,410\t420\n1,2\t3", {400}, 0, -1},
-      {"batch,SAMPLE_NAME,400,410,420\nx,y,1,2,3", {400, 410, 420}, 1, -1},
-      {"ID,batch,400,410,420\nx,y,1,2,3", {400, 410, 420}, -1, 0},
-      {"batch,lot,400,410,420\nx,y,1,2,3", {400, 410, 420}, 0, -1},
-      {"Name,sample_id,400,410,420\nx,y,1,2,3", {400, 410, 420}, 0, 1},
-  };
-  for (const auto& c : kCases) {
+  for (const auto& row : test::LoadReferenceTable("reference/io_csv_columns.csv")) {
     MeasurementFile file;
-    ASSERT_TRUE(ParseCsvSpectra(c.text, "n.csv", {}, file).ok) << c.text;
-    EXPECT_EQ(file.wavelengths, c.wavelengths) << c.text;
-    EXPECT_EQ(std::pair(file.nameField, file.idField), std::pair(c.nameField, c.idField)) << c.text;
+    ASSERT_TRUE(ParseCsvSpectra(test::Unescape(row.Text("text")), "n.csv", {}, file).ok) << row.Where();
+    std::string wavelengths;
+    for (const double nm : file.wavelengths) wavelengths.append(wavelengths.empty() ? "" : "|").append(FormatMeasurementNumber(nm));
+    EXPECT_EQ(wavelengths, row.Text("wavelengths")) << row.Where();
+    EXPECT_EQ(file.nameField, row.Integer("name_field")) << row.Where();
+    EXPECT_EQ(file.idField, row.Integer("id_field")) << row.Where();
   }
 }
 
@@ -119,27 +108,13 @@ TEST(CsvSpectra, AddedColumnFillsEverySampleAndAMissingFileIsAnError) {
   EXPECT_EQ(ReadCsvSpectraFile(path, {}, file).error.Message(), path + ": cannot open the file (No such file or directory)");
 }
 
-// Bytes that are not UTF-8 (Latin-1 "\xE9", a lone continuation byte, a truncated sequence)
-// become U+FFFD wherever they stand; one note names the file and the first such line.
 TEST(MeasurementFiles, InvalidUtf8IsReplacedAndNotedOnce) {
-  const struct {
-    bool csv;
-    std::string text;
-    std::size_t firstLine;
-    const char* name;  // the first sample's name as read
-  } kCases[] = {
-      {false,
-       "CGATS.17\nORIGINATOR \"caf\xE9\"\nBEGIN_DATA_FORMAT\nSAMPLE_NAME nm400 X\x80\nEND_DATA_FORMAT\n"
-       "BEGIN_DATA\n\"r\xC3\xA9" "d \xE2\x82\" 0.5 \xF0\x9F\nEND_DATA\n",
-       2, "r\xC3\xA9" "d \xEF\xBF\xBD"},
-      {true, "name,400\n\xFF\xFEred,0.5\nok,\n", 2, "\xEF\xBF\xBD\xEF\xBF\xBDred"},
-      {true, "name,400\nred,0.5\n", 0, "red"},
-  };
-  for (const auto& c : kCases) {
+  for (const auto& row : test::LoadReferenceTable("reference/io_invalid_utf8.csv")) {
+    SCOPED_TRACE(row.Where());
     MeasurementFile file;
-    ASSERT_TRUE(test::Parse(c.csv, c.text, "in.txt", file).ok);
-    EXPECT_EQ(file.SampleLabel(0), c.name);
-    EXPECT_EQ(file.invalidUtf8Line, c.firstLine);
+    ASSERT_TRUE(test::Parse(row.Text("format") == "csv", test::Unescape(row.Text("text")), "in.txt", file).ok);
+    EXPECT_EQ(file.SampleLabel(0), test::Unescape(row.Text("name")));
+    EXPECT_EQ(file.invalidUtf8Line, static_cast<std::size_t>(row.Integer("first_line")));
     std::string all;
     for (const MeasurementColumn& column : file.columns) all += column.name;
     for (const CgatsKeyword& keyword : file.keywords) all += keyword.value;
@@ -149,9 +124,8 @@ TEST(MeasurementFiles, InvalidUtf8IsReplacedAndNotedOnce) {
     for (const MeasurementNote& note : file.notes) {
       if (note.text.find("U+FFFD") != std::string::npos) notes.push_back(std::to_string(note.line) + ": " + note.text);
     }
-    EXPECT_EQ(notes, c.firstLine == 0 ? std::vector<std::string>{}
-                                      : std::vector<std::string>{"2: text that is not valid UTF-8 was replaced by U+FFFD "
-                                                                 "in in.txt, first on line 2"});
+    EXPECT_EQ(notes, row.Integer("first_line") == 0 ? std::vector<std::string>{}
+                     : std::vector<std::string>{"2: text that is not valid UTF-8 was replaced by U+FFFD in in.txt, first on line 2"});
   }
 }
 

@@ -85,14 +85,9 @@ TEST(SpectralGridMapping, SpragueBoundaryEstimatesMatchExactFractions) {
   const std::vector<double> wavelengths = Range(400.0, 20.0, 500.0);
   const std::vector<double> values = {0, 1, 4, 9, 16, 25};
   const CKSData curve = Map(wavelengths, values);
-  const struct {
-    double nm;
-    double expected;
-  } kCases[] = {{410, 103.0 / 304.0}, {430, 2709.0 / 1216.0}, {450, 25.0 / 4.0},
-                {470, 14869.0 / 1216.0}, {490, 6183.0 / 304.0}};
-  for (const auto& c : kCases) {
-    const auto i = static_cast<std::size_t>((c.nm - 360.0) / 10.0);
-    EXPECT_NEAR(curve[i], c.expected, test::kExactFormula * c.expected) << c.nm;
+  for (const auto& [nm, expected] : {std::pair(410.0, 103.0 / 304.0), std::pair(430.0, 2709.0 / 1216.0), std::pair(450.0, 25.0 / 4.0),
+                                      std::pair(470.0, 14869.0 / 1216.0), std::pair(490.0, 6183.0 / 304.0)}) {
+    EXPECT_NEAR(curve[static_cast<std::size_t>((nm - 360.0) / 10.0)], expected, test::kExactFormula * expected) << nm;
   }
   // Straight lines survive the boundary estimates everywhere.
   const auto line = [](double w) { return 3.0 + 0.25 * w; };
