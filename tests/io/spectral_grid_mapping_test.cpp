@@ -7,6 +7,7 @@
 #include <functional>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "velquor/io/csv_spectra.h"
@@ -97,27 +98,17 @@ TEST(SpectralGridMapping, SpragueBoundaryEstimatesMatchExactFractions) {
 
 // Extrapolation repeats the end values, and a band exactly at a grid end is not extrapolated.
 TEST(SpectralGridMapping, ExtrapolationRepeatsTheNearestMeasuredValue) {
-  const struct {
-    double first;
-    double last;
-    std::vector<int> extrapolated;
-  } kCases[] = {
-      {400, 700, {360, 370, 380, 390, 710, 720, 730, 740, 750}},
-      {360, 750, {}},
-      {370, 740, {360, 750}},
-      {350, 760, {}},
-  };
-  for (const auto& c : kCases) {
-    const std::vector<double> wavelengths = Range(c.first, 10.0, c.last);
-    std::vector<double> values = Sampled(wavelengths, [](double w) { return w / 10.0; });
+  const std::tuple<double, double, std::vector<int>> kCases[] = {
+      {400, 700, {360, 370, 380, 390, 710, 720, 730, 740, 750}}, {360, 750, {}}, {370, 740, {360, 750}}, {350, 760, {}}};
+  for (const auto& [first, last, extrapolated] : kCases) {
+    const std::vector<double> wavelengths = Range(first, 10.0, last);
     SpectralGridMapping mapping;
-    const CKSData curve = Map(wavelengths, values, &mapping);
-    EXPECT_EQ(mapping.ExtrapolatedWavelengths(), c.extrapolated) << c.first << "-" << c.last;
+    const CKSData curve = Map(wavelengths, Sampled(wavelengths, [](double w) { return w / 10.0; }), &mapping);
+    EXPECT_EQ(mapping.ExtrapolatedWavelengths(), extrapolated) << first << "-" << last;
     for (std::size_t i = 0; i < kSpectrumPoints; ++i) {
       const double nm = GridNm(i);
-      const double expected = nm < c.first ? c.first / 10.0 : nm > c.last ? c.last / 10.0 : nm / 10.0;
-      EXPECT_DOUBLE_EQ(curve[i], expected) << nm;
-      EXPECT_EQ(mapping.IsExtrapolated(i), nm < c.first || nm > c.last) << nm;
+      EXPECT_DOUBLE_EQ(curve[i], std::clamp(nm, first, last) / 10.0) << nm;
+      EXPECT_EQ(mapping.IsExtrapolated(i), nm < first || nm > last) << nm;
     }
   }
 }
