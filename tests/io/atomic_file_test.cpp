@@ -2,9 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -20,9 +21,6 @@ namespace fs = std::filesystem;
 class AtomicFileTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    folder_ = fs::temp_directory_path() /
-              ("velquor_atomic_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "_" +
-               ::testing::UnitTest::GetInstance()->current_test_info()->name());
     fs::remove_all(folder_);
     fs::create_directories(folder_);
   }
@@ -36,30 +34,18 @@ class AtomicFileTest : public ::testing::Test {
   }
   static std::string Content(const fs::path& path) {
     std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-  }
-  static void Put(const fs::path& path, const std::string& content) {
-    std::ofstream(path, std::ios::binary) << content;
+    return std::string(std::istreambuf_iterator<char>(in), {});
   }
 
-  fs::path folder_;
+  const fs::path folder_ = fs::temp_directory_path() /
+                           ("velquor_atomic_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "_" +
+                            ::testing::UnitTest::GetInstance()->current_test_info()->name());
 };
-
-TEST_F(AtomicFileTest, ReplacesTheTargetAndLeavesNoTemporaryFile) {
-  const fs::path target = folder_ / "report.csv";
-  Put(target, "old");
-  std::string error;
-  ASSERT_TRUE(WriteFileAtomically(target.string(), "new content\n", error)) << error;
-  EXPECT_EQ(Content(target), "new content\n");
-  EXPECT_EQ(Entries(), (std::vector<std::string>{"report.csv"}));
-}
 
 // An interrupted write (the writer goes away before Commit) leaves the old file whole.
 TEST_F(AtomicFileTest, AbandonedWriteLeavesTheOldFileAndNoPartialFile) {
   const fs::path target = folder_ / "report.csv";
-  Put(target, "complete old report\n");
+  std::ofstream(target, std::ios::binary) << "complete old report\n";
   {
     AtomicFile file(target.string());
     std::string error;
@@ -74,31 +60,27 @@ TEST_F(AtomicFileTest, AbandonedWriteLeavesTheOldFileAndNoPartialFile) {
 
 // The final rename fails (the target is a folder): the temporary file is removed.
 TEST_F(AtomicFileTest, FailedRenameRemovesTheTemporaryFile) {
-  const fs::path target = folder_ / "taken";
-  fs::create_directories(target / "inside");
+  fs::create_directories(folder_ / "taken" / "inside");
   std::string error;
-  EXPECT_FALSE(WriteFileAtomically(target.string(), "data", error));
+  EXPECT_FALSE(WriteFileAtomically((folder_ / "taken").string(), "data", error));
   EXPECT_FALSE(error.empty());
   EXPECT_EQ(Entries(), (std::vector<std::string>{"taken"}));
-  EXPECT_TRUE(fs::is_directory(target / "inside"));
+  EXPECT_TRUE(fs::is_directory(folder_ / "taken" / "inside"));
 }
 
-TEST_F(AtomicFileTest, WritersReportTheFileTheyCouldNotWrite) {
-  MeasurementFile file;
+// The writers replace a file whole, leave no temporary file, choose the format by the name and
+// report the file they could not write.
+TEST_F(AtomicFileTest, WritersReplaceTheTargetAndReportTheFileTheyCouldNotWrite) {
+  MeasurementFile file, back;
   ASSERT_TRUE(ParseCsvSpectra("name,400,410,420\na,1,2,3\n", "in.csv", {}, file).ok);
   const std::string missingFolder = (folder_ / "no" / "such" / "out.cgats").string();
-  MeasurementStatus status = WriteCgatsFile(missingFolder, file);
-  EXPECT_FALSE(status.ok);
-  EXPECT_EQ(status.error.Message(), missingFolder + ": cannot write the file (No such file or directory)");
-  // The name chooses the format.
-  const std::string target = (folder_ / "out.CSV").string();
-  status = WriteMeasurementFile(target, file);
-  ASSERT_TRUE(status.ok) << status.error.Message();
-  EXPECT_EQ(Content(target), "name,400,410,420\na,1,2,3\n");
-  const std::string cgats = (folder_ / "out.txt").string();
-  ASSERT_TRUE(WriteMeasurementFile(cgats, file).ok);
-  MeasurementFile back;
-  ASSERT_TRUE(ReadMeasurementFile(cgats, {}, back).ok);
+  EXPECT_EQ(WriteCgatsFile(missingFolder, file).error.Message(), missingFolder + ": cannot write the file (No such file or directory)");
+  const fs::path csv = folder_ / "out.CSV", cgats = folder_ / "out.txt";
+  std::ofstream(csv, std::ios::binary) << "an old, longer report\n";
+  ASSERT_TRUE(WriteMeasurementFile(csv.string(), file).ok);
+  EXPECT_EQ(Content(csv), "name,400,410,420\na,1,2,3\n");
+  ASSERT_TRUE(WriteMeasurementFile(cgats.string(), file).ok);
+  ASSERT_TRUE(ReadMeasurementFile(cgats.string(), {}, back).ok);
   EXPECT_EQ(back.format, MeasurementFormat::kCgats);
   EXPECT_EQ(back.SampleLabel(0), "a");
   EXPECT_EQ(Entries(), (std::vector<std::string>{"out.CSV", "out.txt"}));

@@ -6,11 +6,12 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "measurement_test_support.h"
 #include "velquor/io/cgats_reader.h"
 #include "velquor/io/cgats_writer.h"
 #include "velquor/io/csv_spectra.h"
@@ -47,22 +48,16 @@ void CheckOutcome(const MeasurementStatus& status, const MeasurementFile& file, 
   }
   for (const MeasurementColumn& column : file.columns) EXPECT_TRUE(IsValidUtf8(column.name));
   std::vector<MappedSample> mapped;
-  const MeasurementStatus mapping = MapMeasurementFile(file, mapped);
-  if (mapping.ok) {
-    EXPECT_EQ(mapped.size(), file.samples.size());
-  }
+  EXPECT_EQ(MapMeasurementFile(file, mapped).ok ? mapped.size() : file.samples.size(), file.samples.size());
   // What was read writes out and reads back with the same wavelengths and values.
-  std::string text;
-  ASSERT_TRUE(FormatCgats(file, {}, text));
-  MeasurementFile cgats;
-  const MeasurementStatus reread = ParseCgats(text, "rewritten", {}, cgats);
-  ASSERT_TRUE(reread.ok) << reread.error.Message() << "\n" << text;
-  EXPECT_EQ(Table(cgats), Table(file));
-  ASSERT_TRUE(FormatCsvSpectra(file, {}, text));
-  MeasurementFile csv;
-  const MeasurementStatus rereadCsv = ParseCsvSpectra(text, "rewritten", {}, csv);
-  ASSERT_TRUE(rereadCsv.ok) << rereadCsv.error.Message() << "\n" << text;
-  EXPECT_EQ(Table(csv), Table(file));
+  for (const bool csv : {false, true}) {
+    std::string text;
+    ASSERT_TRUE(csv ? FormatCsvSpectra(file, {}, text) : FormatCgats(file, {}, text));
+    MeasurementFile back;
+    const MeasurementStatus reread = test::Parse(csv, text, "rewritten", back);
+    ASSERT_TRUE(reread.ok) << reread.error.Message() << "\n" << text;
+    EXPECT_EQ(Table(back), Table(file));
+  }
 }
 
 // Reads `text` as the fuzz target does: `selector` bit 6 delivers the lines from a source in
@@ -101,9 +96,7 @@ TEST(FuzzRegressions, EveryKeptInputReadsWithoutCrashing) {
     const std::string name = path.filename().string();
     SCOPED_TRACE(name);
     std::ifstream in(path, std::ios::binary);
-    std::stringstream bytes;
-    bytes << in.rdbuf();
-    const std::string text = bytes.str();
+    const std::string text(std::istreambuf_iterator<char>(in), {});
     if (name.starts_with("hand_")) {
       ReadAsTheFuzzerDoes(text, 0, name);
     } else if (!text.empty()) {

@@ -5,11 +5,14 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "velquor/io/csv_spectra.h"
 #include "velquor/frame/numeric.h"
+#include "reference_table.h"
 #include "tolerances.h"
 
 namespace velquor {
@@ -38,35 +41,6 @@ CKSData Map(const std::vector<double>& wavelengths, const std::vector<double>& v
   CKSData curve;
   EXPECT_TRUE(mapping.Apply(values, 1.0, curve));
   return curve;
-}
-
-// The ColorChecker file (380-780 nm at 5 nm, fractions): every grid point from 380 nm on is a
-// measured value times 100, exactly; 360 and 370 nm repeat the 380 nm value.
-TEST(SpectralGridMapping, ColorCheckerIsSampledAndExtrapolatedAtTheShortEnd) {
-  MeasurementFile file;
-  const std::string path = std::string(VELQUOR_TEST_DATA_DIR) + "/samples/colorchecker_ohta_380_780_5nm.csv";
-  ASSERT_TRUE(ReadCsvSpectraFile(path, {}, file).ok);
-  std::vector<MappedSample> mapped;
-  SpectralGridMapping mapping;
-  const MeasurementStatus status = MapMeasurementFile(file, mapped, &mapping);
-  ASSERT_TRUE(status.ok) << status.error.Message();
-  ASSERT_EQ(mapped.size(), 24u);
-  EXPECT_EQ(mapping.Method(), GridMappingMethod::kSampled);
-  EXPECT_EQ(mapping.ExtrapolatedWavelengths(), (std::vector<int>{360, 370}));
-  EXPECT_EQ(mapping.Describe(),
-            "sampled at the grid wavelengths; extrapolated by repeating the nearest measured value: 360, 370 nm");
-  for (std::size_t s = 0; s < mapped.size(); ++s) {
-    const std::vector<double>& values = file.samples[s].values;  // 380, 385, ... 780 nm
-    EXPECT_FALSE(mapped[s].hasMissing);
-    EXPECT_EQ(mapped[s].curve[0], values[0] * 100.0) << file.SampleLabel(s);
-    EXPECT_EQ(mapped[s].curve[1], values[0] * 100.0) << file.SampleLabel(s);
-    for (std::size_t i = 2; i < kSpectrumPoints; ++i) {
-      EXPECT_EQ(mapped[s].curve[i], values[(i - 2) * 2] * 100.0) << file.SampleLabel(s) << " at " << GridNm(i);
-    }
-  }
-  // "dark skin" at 380 nm is 0.0480 in the file; at 750 nm 0.4360.
-  EXPECT_DOUBLE_EQ(mapped[0].curve[0], 4.80);
-  EXPECT_DOUBLE_EQ(mapped[0].curve[39], 43.60);
 }
 
 // Each method is exact for the polynomials it can reproduce: Sprague (20 nm data from 300 to
@@ -112,14 +86,9 @@ TEST(SpectralGridMapping, SpragueBoundaryEstimatesMatchExactFractions) {
   const std::vector<double> wavelengths = Range(400.0, 20.0, 500.0);
   const std::vector<double> values = {0, 1, 4, 9, 16, 25};
   const CKSData curve = Map(wavelengths, values);
-  const struct {
-    double nm;
-    double expected;
-  } kCases[] = {{410, 103.0 / 304.0}, {430, 2709.0 / 1216.0}, {450, 25.0 / 4.0},
-                {470, 14869.0 / 1216.0}, {490, 6183.0 / 304.0}};
-  for (const auto& c : kCases) {
-    const auto i = static_cast<std::size_t>((c.nm - 360.0) / 10.0);
-    EXPECT_NEAR(curve[i], c.expected, test::kExactFormula * c.expected) << c.nm;
+  for (const auto& [nm, expected] : {std::pair(410.0, 103.0 / 304.0), std::pair(430.0, 2709.0 / 1216.0), std::pair(450.0, 25.0 / 4.0),
+                                      std::pair(470.0, 14869.0 / 1216.0), std::pair(490.0, 6183.0 / 304.0)}) {
+    EXPECT_NEAR(curve[static_cast<std::size_t>((nm - 360.0) / 10.0)], expected, test::kExactFormula * expected) << nm;
   }
   // Straight lines survive the boundary estimates everywhere.
   const auto line = [](double w) { return 3.0 + 0.25 * w; };
@@ -129,96 +98,59 @@ TEST(SpectralGridMapping, SpragueBoundaryEstimatesMatchExactFractions) {
 
 // Extrapolation repeats the end values, and a band exactly at a grid end is not extrapolated.
 TEST(SpectralGridMapping, ExtrapolationRepeatsTheNearestMeasuredValue) {
-  const struct {
-    double first;
-    double last;
-    std::vector<int> extrapolated;
-  } kCases[] = {
-      {400, 700, {360, 370, 380, 390, 710, 720, 730, 740, 750}},
-      {360, 750, {}},
-      {370, 740, {360, 750}},
-      {350, 760, {}},
-  };
-  for (const auto& c : kCases) {
-    const std::vector<double> wavelengths = Range(c.first, 10.0, c.last);
-    std::vector<double> values = Sampled(wavelengths, [](double w) { return w / 10.0; });
+  const std::tuple<double, double, std::vector<int>> kCases[] = {
+      {400, 700, {360, 370, 380, 390, 710, 720, 730, 740, 750}}, {360, 750, {}}, {370, 740, {360, 750}}, {350, 760, {}}};
+  for (const auto& [first, last, extrapolated] : kCases) {
+    const std::vector<double> wavelengths = Range(first, 10.0, last);
     SpectralGridMapping mapping;
-    const CKSData curve = Map(wavelengths, values, &mapping);
-    EXPECT_EQ(mapping.ExtrapolatedWavelengths(), c.extrapolated) << c.first << "-" << c.last;
+    const CKSData curve = Map(wavelengths, Sampled(wavelengths, [](double w) { return w / 10.0; }), &mapping);
+    EXPECT_EQ(mapping.ExtrapolatedWavelengths(), extrapolated) << first << "-" << last;
     for (std::size_t i = 0; i < kSpectrumPoints; ++i) {
       const double nm = GridNm(i);
-      const double expected = nm < c.first ? c.first / 10.0 : nm > c.last ? c.last / 10.0 : nm / 10.0;
-      EXPECT_DOUBLE_EQ(curve[i], expected) << nm;
-      EXPECT_EQ(mapping.IsExtrapolated(i), nm < c.first || nm > c.last) << nm;
+      EXPECT_DOUBLE_EQ(curve[i], std::clamp(nm, first, last) / 10.0) << nm;
+      EXPECT_EQ(mapping.IsExtrapolated(i), nm < first || nm > last) << nm;
     }
   }
 }
 
 TEST(SpectralGridMapping, RefusesWavelengthSetsThatCannotBeMapped) {
-  const struct {
+  for (const auto& row : test::LoadReferenceTable("reference/io_grid_refusals.csv")) {
     std::vector<double> wavelengths;
-    const char* message;
-  } kCases[] = {
-      {{400, 410}, "only 2 spectral bands; at least 3 are needed"},
-      {{}, "only 0 spectral bands; at least 3 are needed"},
-      {{400, 410, 410, 420}, "duplicate wavelength 410 nm"},
-      {{400, 420, 410, 430}, "wavelengths are not monotone: 410 nm follows 420 nm"},
-      {{430, 420, 425}, "wavelengths are not monotone: 425 nm follows 420 nm"},
-      {{760, 770, 780}, "the measured range 760-780 nm does not overlap the grid 360-750 nm"},
-      {{300, 320, 340, 355}, "the measured range 300-355 nm does not overlap the grid 360-750 nm"},
-      {{400, NAN, 420}, "wavelength nan is not a positive finite number"},
-      {{0, 10, 20}, "wavelength 0 is not a positive finite number"},
-  };
-  for (const auto& c : kCases) {
+    std::stringstream in(row.Text("wavelengths"));
+    for (std::string nm; std::getline(in, nm, '|');) wavelengths.push_back(std::stod(nm));
     SpectralGridMapping mapping;
-    const MeasurementStatus status = mapping.Build(c.wavelengths);
-    EXPECT_FALSE(status.ok);
-    EXPECT_EQ(status.error.text, c.message);
-    EXPECT_FALSE(mapping.IsValid());
+    EXPECT_EQ(mapping.Build(wavelengths).error.text, row.Text("message")) << row.Where();
     CKSData curve;
-    EXPECT_FALSE(mapping.Apply(c.wavelengths, 1.0, curve));
+    EXPECT_FALSE(mapping.IsValid() || mapping.Apply(wavelengths, 1.0, curve)) << row.Where();
   }
-  // Touching the grid at one end is enough to map.
+  // Touching the grid at one end is enough to map; an error names the file and the header line.
   SpectralGridMapping touching;
   EXPECT_TRUE(touching.Build(std::vector<double>{750, 760, 770}).ok);
   EXPECT_EQ(touching.ExtrapolatedWavelengths().size(), 39u);
-}
-
-// A missing input value makes exactly the grid points computed from it missing.
-TEST(SpectralGridMapping, MissingValuesReachOnlyThePointsThatUseThem) {
-  // 5 nm data: 400 nm feeds only the 400 nm point; 405 nm feeds none.
-  {
-    const std::vector<double> wavelengths = Range(380.0, 5.0, 780.0);
-    std::vector<double> values(wavelengths.size(), 0.5);
-    values[4] = kMissing;  // 400 nm
-    values[5] = kMissing;  // 405 nm
-    const CKSData curve = Map(wavelengths, values);
-    for (std::size_t i = 0; i < kSpectrumPoints; ++i) EXPECT_EQ(IsMissing(curve[i]), GridNm(i) == 400.0) << GridNm(i);
-  }
-  // 20 nm data: Sprague on the interval [x_i, x_i+1] draws on x_i-2 ... x_i+3, so 400 nm feeds
-  // the points between 340 and 460 nm that were not measured; 360 ... 460 nm measured points
-  // and 470 nm (interval 460-480, bands 420-520) do not need it.
-  {
-    const std::vector<double> wavelengths = Range(300.0, 20.0, 800.0);
-    std::vector<double> values(wavelengths.size(), 40.0);
-    values[5] = kMissing;  // 400 nm
-    const CKSData curve = Map(wavelengths, values);
-    for (const double nm : {370.0, 390.0, 400.0, 410.0, 430.0, 450.0}) {
-      EXPECT_TRUE(IsMissing(curve[static_cast<std::size_t>((nm - 360) / 10)])) << nm;
-    }
-    for (const double nm : {360.0, 380.0, 420.0, 440.0, 460.0, 470.0, 750.0}) {
-      EXPECT_DOUBLE_EQ(curve[static_cast<std::size_t>((nm - 360) / 10)], 40.0) << nm;
-    }
-  }
-}
-
-TEST(SpectralGridMapping, FileErrorsNameTheFileAndTheHeaderLine) {
   MeasurementFile file;
   ASSERT_TRUE(ParseCsvSpectra("# two bands only\nname,400,410\na,0.1,0.2\n", "two.csv", {}, file).ok);
   std::vector<MappedSample> mapped;
-  const MeasurementStatus status = MapMeasurementFile(file, mapped);
-  EXPECT_FALSE(status.ok);
-  EXPECT_EQ(status.error.Message(), "two.csv:2: only 2 spectral bands; at least 3 are needed");
+  EXPECT_EQ(MapMeasurementFile(file, mapped).error.Message(), "two.csv:2: only 2 spectral bands; at least 3 are needed");
+}
+
+// A missing input value makes exactly the grid points computed from it missing. 5 nm data:
+// 400 nm feeds only the 400 nm point, 405 nm none. 20 nm data: Sprague on [x_i, x_i+1] draws
+// on x_i-2 ... x_i+3, so 400 nm feeds the points between 340 and 460 nm that were not measured;
+// 470 nm (interval 460-480, bands 420-520) does not need it.
+TEST(SpectralGridMapping, MissingValuesReachOnlyThePointsThatUseThem) {
+  const struct {
+    std::vector<double> wavelengths, missing, reached;
+  } kCases[] = {
+      {Range(380.0, 5.0, 780.0), {400, 405}, {400}},
+      {Range(300.0, 20.0, 800.0), {400}, {370, 390, 400, 410, 430, 450}},
+  };
+  for (const auto& c : kCases) {
+    const auto in = [](const std::vector<double>& set, double nm) { return std::count(set.begin(), set.end(), nm) > 0; };
+    const CKSData curve = Map(c.wavelengths, Sampled(c.wavelengths, [&](double w) { return in(c.missing, w) ? kMissing : 40.0; }));
+    for (std::size_t i = 0; i < kSpectrumPoints; ++i) {
+      EXPECT_NEAR(IsMissing(curve[i]) ? -1.0 : curve[i], in(c.reached, GridNm(i)) ? -1.0 : 40.0, test::kExactFormula * 40.0) << GridNm(i);
+    }
+  }
 }
 
 }  // namespace
