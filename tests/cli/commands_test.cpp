@@ -4,9 +4,11 @@
 
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <sstream>
 
 #include "commands.h"
+#include "reference_table.h"
 
 namespace velquor::cli {
 namespace {
@@ -58,41 +60,15 @@ class CommandTest : public ::testing::Test {
 };
 
 TEST_F(CommandTest, ExitCodeAndReport) {
-  const struct {
+  for (const auto& row : test::LoadReferenceTable("reference/cli_commands.csv")) {
     std::vector<std::string> args;
-    int exit;
-    std::vector<const char*> shown;
-  } kCases[] = {
-      // At 100 nm spacing every grid point interpolated from 500 nm is lost with it.
-      {{"xyz", "m.txt"},
-       kExitRejected,
-       {"gap: rejected, missing values at 410, ", "sample gap has no value at 500 nm",
-        "near    D65/10°    49.9782  50.2690  32.8805   0.3754   0.3776\n"}},
-      {{"qc", "m.txt", "m.txt", "-s", "cielab", "-t", "5"}, kExitRejected, {"rejected"}},
-      {{"qc", "m.txt", "m.txt", "--json"}, kExitRejected, {"\"computed\": false"}},
-      // near is ΔE*ab 0.1 from std: the tolerance decides.
-      {{"qc", "full.txt", "full.txt", "-s", "cielab", "-t", "0.05"}, kExitRejected, {"fail"}},
-      {{"qc", "full.txt", "full.txt", "-s", "cielab", "-t", "0.2"}, kExitSuccess, {"pass"}},
-      {{"demo"},
-       kExitSuccess,
-       {"orange", "B09 reading incomplete: missing values at 500, 510, 520 nm", "pass", "fail",
-        "Batch not accepted"}},
-      {{"lab", "cc.csv", "-s", "lab", "--csv"}, kExitSuccess, {"sample,condition,L*,a*,b*\n"}},
-      {{"lab", "cc.csv", "-s", "lch", "--csv"}, kExitSuccess, {",L*,C*ab,hab\n"}},
-      {{"lab", "cc.csv", "-s", "luv", "--csv"}, kExitSuccess, {",L*,u*,v*,C*uv,huv\n"}},
-      {{"lab", "cc.csv", "-s", "hunter", "--csv"}, kExitSuccess, {",L,a,b\n"}},
-      {{"lab", "cc.csv", "-s", "din99", "--csv"}, kExitSuccess, {",L99,a99,b99,C99,h99\n"}},
-      {{"lab", "cc.csv", "-s", "yxy", "--csv"}, kExitSuccess, {",Y,x,y\n"}},
-      {{"lab", "cc.csv", "-s", "rgb", "--csv"}, kExitSuccess, {",R,G,B\n"}},
-  };
-  for (const auto& c : kCases) {
-    EXPECT_EQ(Run(c.args), c.exit) << c.args[0] << " " << c.args.back();
-    for (const char* shown : c.shown) EXPECT_THAT(io_.out, HasSubstr(shown));
-  }
-  for (const char* command : {"xyz", "lab", "diff", "qc", "index", "strength", "demo"}) {
-    EXPECT_EQ(Run({command, "--help"}), kExitSuccess) << command;
-    EXPECT_THAT(io_.out, HasSubstr(std::string("usage: velquor ") + command + " "));
-    EXPECT_THAT(io_.out, HasSubstr("--illuminant"));
+    for (std::istringstream in(row.Text("args")); in >> args.emplace_back();) continue;
+    args.pop_back();
+    EXPECT_EQ(Run(args), row.Integer("exit")) << row.Where();
+    std::istringstream shown(std::regex_replace(row.Text("shown"), std::regex(R"(\\n)"), "\n"));
+    for (std::string text; std::getline(shown, text, '|');) {
+      EXPECT_THAT(io_.out, HasSubstr(text)) << row.Where();
+    }
   }
   EXPECT_EQ(Run({"diff", "m.txt", "m.txt"}), kExitRejected);
   EXPECT_THAT(io_.out, Not(HasSubstr(" \n")));  // a blank last column leaves no blanks
