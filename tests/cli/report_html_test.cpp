@@ -17,6 +17,8 @@
 namespace velquor::cli {
 namespace {
 
+using Strings = std::vector<std::string>;
+
 // An ellipse of semi-axes `a` (along Δa*) and `b` (along Δb*), `count` points.
 std::vector<std::array<double, 2>> Ellipse(double a, double b, int count) {
   std::vector<std::array<double, 2>> points;
@@ -27,30 +29,26 @@ std::vector<std::array<double, 2>> Ellipse(double a, double b, int count) {
   return points;
 }
 
-template <typename Vector>
-void Fill(Vector& vector, std::initializer_list<double> values) {
-  std::size_t k = 0;
-  for (double v : values) vector[k++] = v;
-}
-
-QcSample Sample(std::string name, double dl, double da, double db, double total, bool pass) {
+// A sample at CIELAB (50, 20, 10) + Δ with the total difference `total` under the first
+// condition and `total` + 0.06 under the second; it passes up to 1.
+QcSample Sample(std::string name, double dl, double da, double db, double total) {
   QcSample s;
   s.name = std::move(name);
   for (std::size_t i = 0; i < CKSData::kLength; ++i) s.curve[i] = 20.0 + i;
   QcResult r;
   r.computed = true;
   r.labDelta = {dl, da, db};
-  Fill(r.lab, {50 + dl, 20 + da, 10 + db});
-  Fill(r.difference, {dl, da, db, 0, 0, 0, total});
-  r.pass = pass;
+  const double values[] = {dl, da, db, 50 + dl, 20 + da, 10 + db};
+  for (std::size_t k = 0; k < 3; ++k) r.difference[k] = values[k], r.lab[k] = values[k + 3];
+  r.difference[6] = total;
+  r.pass = total <= 1;
   r.shade = "Lighter,Redder, ";
   s.results = {r, r};
   s.results[1].difference[6] += 0.06;
   return s;
 }
 
-// Two conditions; trial "good" passes, "bad" fails (totals 1.75, 1.81 > 1.00), "holey" was not
-// computed.
+// Two conditions; trial "good" passes, "bad" fails (totals 1.75, 1.81), "holey" was rejected.
 QcReport MakeReport() {
   QcReport report;
   report.standardSource = "std.csv";
@@ -58,9 +56,9 @@ QcReport MakeReport() {
   report.system.caption = "CMC (L:C) = 2 : 1, cf = 1";
   report.conditions = {{2, 1, "D65/10°"}, {0, 1, "A/10°"}};
   report.columnLabels = {"ΔL*", "Δa*", "Δb*", "ΔL*cmc", "ΔC*cmc", "ΔH*cmc", "ΔE*cmc"};
-  report.standard = Sample("standard", 0, 0, 0, 0, true);
-  report.trials = {Sample("good", 0.4, 0.3, 0.2, 0.55, true),
-                   Sample("bad", -1.2, 1.5, 0.5, 1.75, false), Sample("holey", 0, 0, 0, 0, true)};
+  report.standard = Sample("standard", 0, 0, 0, 0);
+  report.trials = {Sample("good", 0.4, 0.3, 0.2, 0.55), Sample("bad", -1.2, 1.5, 0.5, 1.75),
+                   Sample("holey", 0, 0, 0, 0)};
   QcSample& rejected = report.trials.back();
   rejected.results = {QcResult{}, QcResult{}};
   rejected.curve[10] = kMissing;
@@ -81,8 +79,8 @@ std::string Element(const std::string& html, const std::string& marker, const st
   return html.substr(start, end + close.size() - start);
 }
 
-std::vector<std::string> All(const std::string& text, const std::string& pattern) {
-  std::vector<std::string> found;
+Strings All(const std::string& text, const std::string& pattern) {
+  Strings found;
   const std::regex re(pattern);
   for (std::sregex_iterator it(text.begin(), text.end(), re), end; it != end; ++it) {
     found.push_back(it->str());
@@ -96,16 +94,13 @@ std::string Attribute(const std::string& element, const std::string& name) {
   return std::regex_search(element, match, re) ? match[1].str() : "";
 }
 
+// The numbers of an attribute: one for "x", four for "viewBox", every coordinate for "d".
 std::vector<double> Numbers(const std::string& element, const std::string& name) {
   std::vector<double> values;
   for (const std::string& n : All(Attribute(element, name), R"(-?\d+(\.\d+)?)")) {
     values.push_back(std::stod(n));
   }
   return values;
-}
-
-double Number(const std::string& element, const std::string& name) {
-  return std::stod(Attribute(element, name));
 }
 
 std::string Svg(const QcReport& report, const char* id) {
@@ -117,11 +112,11 @@ const char kFailCell[] = R"(<td class="[^"]*\bfail\b[^"]*">([^<]*))";
 TEST(SvgNumbers, FixedPointWithoutNegativeZeroAndNiceSteps) {
   EXPECT_EQ(FormatFixed(1.5, 2) + FormatFixed(-0.001, 2) + FormatFixed(-0.006, 2), "1.500.00-0.01");
   // One, two or five times a power of ten.
-  const double kSteps[][3] = {{10, 5, 2}, {1, 4, 0.2},     {100, 3, 50},
-                              {7, 1, 10}, {0.03, 3, 0.01}, {0, 5, 1}};
+  const double kSteps[][3] = {{10, 5, 2}, {1, 4, 0.2}, {100, 3, 50}, {7, 1, 10}, {0.03, 3, 0.01}};
   for (const auto& c : kSteps) {
     EXPECT_NEAR(NiceStep(c[0], static_cast<int>(c[1])), c[2], test::kExactFormula) << c[0];
   }
+  EXPECT_EQ(NiceStep(0, 5), 1);
 }
 
 // The five special characters are escaped wherever a text goes, and only they; the page has no
@@ -135,14 +130,10 @@ TEST(RenderHtml, EscapesHostileTextsAndIsSelfContained) {
   report.system.caption = "<i>caption</i>";
   report.notes = {"<style>body{display:none}</style>", "&amp; ΔE*ab 10°"};
   report.conditions[1].label = "<A>";
-  Table table;
-  table.title = "<title> & co";
-  table.headers = {"Sample"};
-  table.rows = {{TextCell("<u>one</u>")}};
-  table.notes = {"note <x>"};
+  Table table{"<title> & co", {"Sample"}, {{TextCell("<u>one</u>")}}, {"note <x>"}};
   const std::string qc = RenderQcHtml(report), plain = RenderTableHtml(table);
   for (const std::string& page : {qc, plain}) {
-    EXPECT_EQ(page.rfind("<!DOCTYPE html>", 0), 0u);
+    EXPECT_EQ(page.rfind("<!DOCTYPE html>\n<html", 0), 0u);
     EXPECT_NE(page.find("<meta charset=\"utf-8\">"), std::string::npos);
   }
   std::string html = qc + plain;
@@ -167,40 +158,44 @@ TEST(RenderHtml, EscapesHostileTextsAndIsSelfContained) {
 // Only failed cells are coloured: the table's failed value, the failing trial's totals and
 // result; the summary's statistics only above the tolerance, not at it.
 TEST(RenderHtml, ColoursTheFailedValuesOnly) {
-  Table table;
-  table.headers = {"Sample", "ΔE"};
-  table.rows = {{TextCell("one"), NumberCell(0.5, 2)}, {TextCell("two"), NumberCell(1.5, 2)}};
+  Table table{"",
+              {"Sample", "ΔE"},
+              {{TextCell("one"), NumberCell(0.5, 2)}, {TextCell("two"), NumberCell(1.5, 2)}},
+              {}};
   table.rows[1][1].fail = true;
-  const std::vector<std::string> cells = All(RenderTableHtml(table), kFailCell);
-  ASSERT_EQ(cells.size(), 1u);
-  EXPECT_NE(cells[0].find("1.50"), std::string::npos);
-
-  const std::string differences =
-      Element(RenderQcHtml(MakeReport()), "class=\"data differences\"", "<table", "</table>");
-  std::vector<std::string> blocks = All(differences, R"(<tbody class="trial">[\s\S]*?</tbody>)");
+  EXPECT_EQ(All(RenderTableHtml(table), kFailCell), Strings{R"(<td class="num fail">1.50)"});
+  const std::string html = RenderQcHtml(MakeReport());
+  const Strings blocks = All(Element(html, "class=\"data differences\"", "<table", "</table>"),
+                             R"(<tbody class="trial">[\s\S]*?</tbody>)");
   ASSERT_EQ(blocks.size(), 3u);
   EXPECT_TRUE(All(blocks[0] + blocks[2], kFailCell).empty());
-  const std::vector<std::string> failed = All(blocks[1], kFailCell);
+  const Strings failed = All(blocks[1], kFailCell);
   ASSERT_EQ(failed.size(), 4u);
   EXPECT_NE(failed[0].find("1.75"), std::string::npos);
   EXPECT_NE(failed[2].find("1.81"), std::string::npos);
-
   for (const auto& [max, coloured] : {std::pair{1.0, false}, {1.01, true}}) {
     QcReport report = MakeReport();
     report.summaries = {QcSummary{3, 3, 0, 0, 0.5, max, 0.9}};
     const std::string summary =
         Element(RenderQcHtml(report), "class=\"data summary\"", "<table", "</table>");
-    EXPECT_EQ(!All(summary, R"(<td class="[^"]*\bfail\b)").empty(), coloured) << max;
+    EXPECT_EQ(!All(summary, kFailCell).empty(), coloured) << max;
   }
 }
 
 // A slot the system leaves unused has no column, and every row keeps to the header's columns;
 // a rejected trial has a row per condition with its note, no a*b* marker and a crossed ΔL* bar.
-TEST(RenderQcHtml, ColumnsAlignedAndRejectedTrialsShown) {
+// Swatches in sRGB (IEC 61966-2-1) of neutral greys on both sides of the CIELAB breakpoint:
+// L* 50 is sRGB 119 (0x77), L* 5 is sRGB 17 (0x11).
+TEST(RenderQcHtml, ColumnsRejectedTrialsAndSwatches) {
   QcReport report = MakeReport();
   report.columnLabels = {"ΔL*", "Δa*", "Δb*", "(slot 4)", "ΔC*", "ΔH*", "ΔE*ab"};
   report.trials[0].results[0].difference[3] = 777.0;
+  report.standard.results[0].lab[1] = report.standard.results[0].lab[2] = 0;
+  report.trials[0].results[0].lab[0] = 5;
+  report.trials[0].results[0].lab[1] = report.trials[0].results[0].lab[2] = 0;
   const std::string html = RenderQcHtml(report);
+  EXPECT_NE(html.find("background:#777777"), std::string::npos);
+  EXPECT_NE(html.find("background:#111111"), std::string::npos);
   const std::string table = Element(html, "class=\"data differences\"", "<table", "</table>");
   EXPECT_EQ(table.find("(slot 4)"), std::string::npos);
   EXPECT_EQ(table.find("777.00"), std::string::npos);
@@ -210,8 +205,7 @@ TEST(RenderQcHtml, ColumnsAlignedAndRejectedTrialsShown) {
   for (const std::string& row : All(table, "<tr class=\"(pass|fail|rejected)\">.*?</tr>")) {
     std::size_t cells = row.find("rowspan") != std::string::npos ? 0 : 2;
     for (const std::string& cell : All(row, "<td[^>]*>")) {
-      const std::string span = Attribute(cell, "colspan");
-      cells += span.empty() ? 1 : std::stoul(span);
+      cells += Attribute(cell, "colspan").empty() ? 1 : Numbers(cell, "colspan")[0];
     }
     EXPECT_EQ(cells, columns) << row;
   }
@@ -224,55 +218,44 @@ TEST(RenderQcHtml, ColumnsAlignedAndRejectedTrialsShown) {
   EXPECT_EQ(All(bars, "class=\"bar (pass|fail)\"><title>[^<]*</title><rect").size(), 2u);
 }
 
-// Swatches in sRGB (IEC 61966-2-1) of neutral greys on both sides of the CIELAB breakpoint:
-// L* 50 is sRGB 119 (0x77), L* 5 is sRGB 17 (0x11).
-TEST(RenderQcHtml, SwatchesShowTheSrgbColourOfTheCielabValues) {
-  QcReport report = MakeReport();
-  Fill(report.standard.results[0].lab, {50, 0, 0});
-  Fill(report.trials[0].results[0].lab, {5, 0, 0});
-  const std::string html = RenderQcHtml(report);
-  EXPECT_NE(html.find("background:#777777"), std::string::npos);
-  EXPECT_NE(html.find("background:#111111"), std::string::npos);
-}
-
 // The tolerance polygon keeps every contour point, and the common scale fits the contour and
 // every trial inside the plot, whichever of the two is larger. No contour, no polygon.
 TEST(RenderQcHtml, ContourAndTrialsShareOneScaleInsideTheViewBox) {
-  const struct {
-    double a, b, da, db;  // contour semi-axes, the failing trial
-    int points;
-  } kCases[] = {
-      {0.8, 1.2, 1.5, 0.5, 36}, {0.5, 0.3, -6.0, 4.0, 72}, {40, 25, 0.2, -0.1, 8}, {0, 0, 1, 1, 0}};
-  for (const auto& c : kCases) {
+  const double kCases[][5] = {// contour semi-axes a, b, points; the failing trial's Δa*, Δb*
+                              {0.8, 1.2, 36, 1.5, 0.5},
+                              {0.5, 0.3, 72, -6.0, 4.0},
+                              {40, 25, 8, 0.2, -0.1},
+                              {0, 0, 0, 1, 1}};
+  for (const auto& [a, b, points, da, db] : kCases) {
     QcReport report = MakeReport();
-    report.toleranceContour = Ellipse(c.a, c.b, c.points);
-    report.trials[1].results[0].labDelta = {0.0, c.da, c.db};
+    report.toleranceContour = Ellipse(a, b, static_cast<int>(points));
+    report.trials[1].results[0].labDelta = {0.0, da, db};
     const std::string svg = Svg(report, "ab-plot");
     const std::vector<double> box = Numbers(svg, "viewBox");
     ASSERT_EQ(box.size(), 4u);
-    if (c.points == 0) {
-      EXPECT_EQ(svg.find("<polygon"), std::string::npos);
-      continue;
-    }
+    const auto inside = [&](double x, double y) {
+      return x >= 0 && x <= box[2] && y >= 0 && y <= box[3];
+    };
     const std::vector<double> xy =
         Numbers(Element(svg, "class=\"tolerance\"", "<polygon", ">"), "points");
-    ASSERT_EQ(xy.size(), 2u * c.points) << c.a;
+    ASSERT_EQ(xy.size(), 2 * points) << a;
+    EXPECT_EQ(svg.find("<polygon") == std::string::npos, points == 0);
+    if (points == 0) continue;
     std::vector<double> x, y;
     for (std::size_t k = 0; k < xy.size(); ++k) (k % 2 ? y : x).push_back(xy[k]);
     const auto [minX, maxX] = std::minmax_element(x.begin(), x.end());
     const auto [minY, maxY] = std::minmax_element(y.begin(), y.end());
-    EXPECT_TRUE(*minX >= 0 && *maxX <= box[2] && *minY >= 0 && *maxY <= box[3]) << c.a;
+    EXPECT_TRUE(inside(*minX, *minY) && inside(*maxX, *maxY)) << a;
     // One scale on both axes: the drawn ellipse keeps the ratio of its semi-axes.
-    EXPECT_NEAR((*maxX - *minX) / (*maxY - *minY), c.a / c.b, 0.02 * c.a / c.b);
+    EXPECT_NEAR((*maxX - *minX) / (*maxY - *minY), a / b, 0.02 * a / b);
     for (const std::string& circle : All(svg, "<circle[^>]*>")) {
-      const double cx = Number(circle, "cx"), cy = Number(circle, "cy");
-      EXPECT_TRUE(cx >= 0 && cx <= box[2] && cy >= 0 && cy <= box[3]) << circle;
+      EXPECT_TRUE(inside(Numbers(circle, "cx")[0], Numbers(circle, "cy")[0])) << circle;
     }
     // +Δa* is drawn to the right and +Δb* upwards (SVG y grows downwards).
     const std::string bad =
         Element(Element(svg, "class=\"trial fail\"", "<g", "</g>"), "<circle", "<circle", ">");
-    EXPECT_EQ(Number(bad, "cx") > (*minX + *maxX) / 2, c.da > 0);
-    EXPECT_EQ(Number(bad, "cy") < (*minY + *maxY) / 2, c.db > 0);
+    EXPECT_EQ(Numbers(bad, "cx")[0] > (*minX + *maxX) / 2, da > 0);
+    EXPECT_EQ(Numbers(bad, "cy")[0]<(*minY + *maxY) / 2, db> 0);
   }
 }
 
@@ -280,14 +263,15 @@ TEST(RenderQcHtml, ContourAndTrialsShareOneScaleInsideTheViewBox) {
 // spectral curve, split in two by a missing point.
 TEST(RenderQcHtml, LightnessBarsAndSpectralCurves) {
   const std::string bars = Svg(MakeReport(), "dl-bars");
-  const double zero = Number(Element(bars, "class=\"zero\"", "<line", ">"), "y1");
-  const std::string good = Element(Element(bars, "bar pass", "<g", "</g>"), "<rect", "<rect", ">");
-  const std::string bad = Element(Element(bars, "bar fail", "<g", "</g>"), "<rect", "<rect", ">");
-  ASSERT_FALSE(good.empty() || bad.empty());
-  EXPECT_NEAR(Number(good, "y") + Number(good, "height"), zero, 0.15);
-  EXPECT_NEAR(Number(bad, "y"), zero, 0.15);
-  EXPECT_NEAR(Number(bad, "height") / Number(good, "height"), 3.0, 0.05);  // ΔL* -1.2 vs 0.4
-
+  const double zero = Numbers(Element(bars, "class=\"zero\"", "<line", ">"), "y1").at(0);
+  const auto rect = [&](const char* bar) {
+    const std::string r = Element(Element(bars, bar, "<g", "</g>"), "<rect", "<rect", ">");
+    return std::array{Numbers(r, "y").at(0), Numbers(r, "height").at(0)};
+  };
+  const auto good = rect("bar pass"), bad = rect("bar fail");
+  EXPECT_NEAR(good[0] + good[1], zero, 0.15);
+  EXPECT_NEAR(bad[0], zero, 0.15);
+  EXPECT_NEAR(bad[1] / good[1], 3.0, 0.05);  // ΔL* -1.2 against 0.4
   const std::string svg = Svg(MakeReport(), "spectra");
   std::vector<std::size_t> pieces;
   for (const std::string& path : All(svg, "<path class=\"curve [a-z]+\" d=\"[^\"]*\"")) {
