@@ -1,7 +1,8 @@
 // The built tool against hostile input and hostile output: bad arguments, malformed files,
 // full disks, unwritable paths, folders given as files, spectra that overflow the tristimulus
-// sums, and sample names that are not valid UTF-8. Each case of cli_hostile_input.csv runs the
-// executable and checks exit code, stdout and stderr.
+// sums, and sample names that are not valid UTF-8; and the commands' reports. Each case of
+// cli_hostile_input.csv and cli_commands.csv runs the executable and checks exit code, stdout
+// and stderr.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -10,6 +11,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <sstream>
 
 #include "reference_table.h"
@@ -35,12 +37,20 @@ const char kHostileCgats[] =
 const char kHostileCsv[] =
     "name,400,500,600,700\nstd,20,40,60,80\n\"ctl\t\xc0\xaf\xed\xa0\x80\",20,40,60,81\n";
 
-const std::pair<const char*, std::string_view> kFiles[] = {
+// Three samples at 400-700 nm in 100 nm steps; the middle one's value at 500 nm goes between.
+const char kSmallCgats[] =
+    "CGATS.17\nBEGIN_DATA_FORMAT\nSAMPLE_NAME nm400 nm500 nm600 nm700\nEND_DATA_FORMAT\n"
+    "BEGIN_DATA\nstd 20 40 60 80\ngap 20 ";
+const char kSmallCgatsEnd[] = " 60 80\nnear 20.2 40.1 60 80\nEND_DATA\n";
+
+const std::pair<const char*, std::string> kFiles[] = {
     {"h.txt", kHostileCgats},
     {"c.csv", kHostileCsv},
     {"u.txt", "BEGIN_DATA_FORMAT\nSAMPLE_ID nm400 nm500\nEND_DATA_FORMAT\nBEGIN_DATA\n1 1 2\n"},
-    {"g.txt", std::string_view("\x7f\x45LF\x01\x00\x00", 7)},
+    {"g.txt", std::string("\x7f\x45LF\x01\x00\x00", 7)},
     {"t.csv", "name,400,500,600\na,1,x,3\n"},
+    {"full.txt", kSmallCgats + std::string("40") + kSmallCgatsEnd},
+    {"m.txt", kSmallCgats + std::string("\"\"") + kSmallCgatsEnd},
 };
 
 // The table's text with each "\xHH" replaced by the byte HH.
@@ -58,7 +68,8 @@ std::string Read(const fs::path& path) {
   return text.str();
 }
 
-class HostileInputTest : public ::testing::TestWithParam<velquor::test::ReferenceRow> {
+// The tool's test folder and the tool run in it.
+class ToolTest : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
     // One folder per process: ctest runs the cases in parallel processes.
@@ -70,27 +81,31 @@ class HostileInputTest : public ::testing::TestWithParam<velquor::test::Referenc
   }
   static void TearDownTestSuite() { fs::remove_all(dir_); }
 
-  // The shell's exit status of `command`, run in the test folder.
+  // The shell's exit status of `command` (with "velquor" for the tool), run in the test folder.
   static int Shell(const std::string& command) {
-    const int status = std::system(("cd '" + dir_.string() + "' && " + command).c_str());
+    const std::string line = std::regex_replace(command, std::regex("^velquor"), VELQUOR_TOOL);
+    const int status = std::system(("cd '" + dir_.string() + "' && " + line).c_str());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
 
   static inline const fs::path dir_ =
-      fs::temp_directory_path() / ("velquor_cli_hostile_" + std::to_string(::getpid()));
+      fs::temp_directory_path() / ("velquor_cli_tool_" + std::to_string(::getpid()));
 };
 
-TEST_P(HostileInputTest, ExitCodeAndMessages) {
+class ToolRun : public ToolTest,
+                public ::testing::WithParamInterface<velquor::test::ReferenceRow> {};
+
+TEST_P(ToolRun, ExitCodeAndMessages) {
   const auto& row = GetParam();
   const std::string args = row.Text("args"), err = Bytes(row, "err"), absent = Bytes(row, "absent");
   SCOPED_TRACE(row.Where() + ": velquor " + args);
   const std::string stdoutTo = args.find('>') == std::string::npos ? " >out.txt" : "";
   fs::remove(dir_ / "out.txt");
-  ASSERT_EQ(Shell(std::string(VELQUOR_TOOL) + " " + args + stdoutTo + " 2>err.txt"),
-            row.Integer("exit"))
+  ASSERT_EQ(Shell("velquor " + args + stdoutTo + " 2>err.txt"), row.Integer("exit"))
       << Read(dir_ / "err.txt");
   const std::string out = Read(dir_ / "out.txt"), errors = Read(dir_ / "err.txt");
-  EXPECT_THAT(out, HasSubstr(Bytes(row, "out")));
+  std::istringstream shown(Bytes(row, "out"));
+  for (std::string text; std::getline(shown, text, '|');) EXPECT_THAT(out, HasSubstr(text));
   EXPECT_THAT(errors, HasSubstr(err));
   EXPECT_TRUE(err.empty() || errors.find(err) == errors.rfind(err)) << errors;  // said once
   const std::string file = row.Text("file").empty() ? "out.txt" : row.Text("file");
@@ -106,10 +121,30 @@ TEST_P(HostileInputTest, ExitCodeAndMessages) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Cases, HostileInputTest,
-    ::testing::ValuesIn(
-        velquor::test::LoadReferenceTable("reference/cli_hostile_input.csv").begin(),
-        velquor::test::LoadReferenceTable("reference/cli_hostile_input.csv").end()));
+#define VELQUOR_RUNS(table)                                             \
+  ::testing::ValuesIn(velquor::test::LoadReferenceTable(table).begin(), \
+                      velquor::test::LoadReferenceTable(table).end())
+INSTANTIATE_TEST_SUITE_P(Hostile, ToolRun, VELQUOR_RUNS("reference/cli_hostile_input.csv"));
+INSTANTIATE_TEST_SUITE_P(Commands, ToolRun, VELQUOR_RUNS("reference/cli_commands.csv"));
+
+// Output files are written whole, beside the terminal report, or not at all; -w keeps the input
+// columns, adds the computed ones, and the result reads back.
+TEST_F(ToolTest, OutputFiles) {
+  ASSERT_EQ(Shell("velquor qc full.txt full.txt --csv=o.csv --json=o.json --html o.html -i "
+                  "D65/10,A/2 >out.txt"),
+            0);
+  EXPECT_THAT(Read(dir_ / "out.txt"), HasSubstr("Batch summary"));
+  EXPECT_THAT(Read(dir_ / "o.html"), HasSubstr("id=\"ab-plot\""));
+  EXPECT_THAT(Read(dir_ / "o.csv"), HasSubstr("near,A/2°"));
+  EXPECT_THAT(Read(dir_ / "o.json"), HasSubstr("\"accepted\": true"));
+  const auto files = [] { return std::distance(fs::directory_iterator(dir_), {}); };
+  const auto before = files();
+  EXPECT_EQ(Shell("velquor qc full.txt full.txt --csv=no/such/o.csv 2>/dev/null"), 2);
+  EXPECT_EQ(files(), before);
+  ASSERT_EQ(Shell("velquor xyz full.txt -w w.txt >/dev/null"), 0);
+  EXPECT_THAT(Read(dir_ / "w.txt"), HasSubstr("SAMPLE_NAME"));
+  EXPECT_THAT(Read(dir_ / "w.txt"), HasSubstr("XYZ_X"));
+  EXPECT_EQ(Shell("velquor lab w.txt -s lab >/dev/null"), 0);
+}
 
 }  // namespace
