@@ -137,9 +137,6 @@ TEST(RenderHtml, EscapesHostileTextsAndIsSelfContained) {
     EXPECT_NE(page.find("<meta charset=\"utf-8\">"), std::string::npos);
   }
   std::string html = qc + plain;
-  for (const char* raw : {"<script", "<img", "<b>", "<i>", "<style>body", "<A>", "<u>", "<x>"}) {
-    EXPECT_EQ(html.find(raw), std::string::npos) << raw;
-  }
   for (const char* escaped : {"&lt;script&gt;alert(1)&lt;/script&gt;", "&quot;&gt;&lt;img on",
                               "bad &lt;b&gt;note&lt;/b&gt; &amp; more", "a&amp;b&#39;s.csv",
                               "&lt;i&gt;caption&lt;/i&gt;", "&lt;A&gt;", "&lt;title&gt; &amp; co",
@@ -148,9 +145,10 @@ TEST(RenderHtml, EscapesHostileTextsAndIsSelfContained) {
   }
   std::transform(html.begin(), html.end(), html.begin(),
                  [](unsigned char c) { return std::tolower(c); });
-  for (const char* forbidden :
-       {"javascript:", "src=", "href=", "@import", "url(", "<link", "<iframe", "<object"}) {
-    EXPECT_EQ(html.find(forbidden), std::string::npos) << forbidden;
+  for (const char* raw :
+       {"<script", "<img", "<b>", "<i>", "<style>body", "<a>", "<u>", "<x>",
+        "javascript:", "src=", "href=", "@import", "url(", "<link", "<iframe", "<object"}) {
+    EXPECT_EQ(html.find(raw), std::string::npos) << raw;
   }
   EXPECT_EQ(All(html, "http").size(), All(html, "xmlns=\"http://www.w3.org/2000/svg\"").size());
 }
@@ -171,8 +169,7 @@ TEST(RenderHtml, ColoursTheFailedValuesOnly) {
   EXPECT_TRUE(All(blocks[0] + blocks[2], kFailCell).empty());
   const Strings failed = All(blocks[1], kFailCell);
   ASSERT_EQ(failed.size(), 4u);
-  EXPECT_NE(failed[0].find("1.75"), std::string::npos);
-  EXPECT_NE(failed[2].find("1.81"), std::string::npos);
+  EXPECT_TRUE(std::regex_search(failed[0] + failed[2], std::regex(R"(>1\.75[\s\S]*>1\.81)")));
   for (const auto& [max, coloured] : {std::pair{1.0, false}, {1.01, true}}) {
     QcReport report = MakeReport();
     report.summaries = {QcSummary{3, 3, 0, 0, 0.5, max, 0.9}};
