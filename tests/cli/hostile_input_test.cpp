@@ -27,30 +27,22 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 
-// Three samples at 400-700 nm; "huge" overflows X, Y and Z, the third name holds the invalid
-// bytes FF FE and a truncated three-byte sequence (E2 82).
-const char kHostileCgats[] =
-    "CGATS.17\nBEGIN_DATA_FORMAT\nSAMPLE_NAME nm400 nm500 nm600 nm700\nEND_DATA_FORMAT\n"
-    "BEGIN_DATA\nstd 20 40 60 80\nhuge 1e308 1e308 1e308 1e308\n"
-    "bad\xff\xfe-\xe2\x82 20 40 60 81\nEND_DATA\n";
-// The CSV name holds a tab, an overlong '/' (C0 AF) and a UTF-16 surrogate (ED A0 80).
-const char kHostileCsv[] =
-    "name,400,500,600,700\nstd,20,40,60,80\n\"ctl\t\xc0\xaf\xed\xa0\x80\",20,40,60,81\n";
-
-// Three samples at 400-700 nm in 100 nm steps; the middle one's value at 500 nm goes between.
-const char kSmallCgats[] =
-    "CGATS.17\nBEGIN_DATA_FORMAT\nSAMPLE_NAME nm400 nm500 nm600 nm700\nEND_DATA_FORMAT\n"
-    "BEGIN_DATA\nstd 20 40 60 80\ngap 20 ";
-const char kSmallCgatsEnd[] = " 60 80\nnear 20.2 40.1 60 80\nEND_DATA\n";
-
+// Samples at 400-700 nm in 100 nm steps. h.txt: "huge" overflows X, Y and Z, the third name
+// holds the invalid bytes FF FE and a truncated three-byte sequence (E2 82). c.csv: the name
+// holds a tab, an overlong '/' (C0 AF) and a UTF-16 surrogate (ED A0 80). m.txt: gap's 500 nm
+// value is missing.
+#define VELQUOR_CGATS                                                                   \
+  "CGATS.17\nBEGIN_DATA_FORMAT\nSAMPLE_NAME nm400 nm500 nm600 nm700\nEND_DATA_FORMAT\n" \
+  "BEGIN_DATA\nstd 20 40 60 80\n"
 const std::pair<const char*, std::string> kFiles[] = {
-    {"h.txt", kHostileCgats},
-    {"c.csv", kHostileCsv},
+    {"h.txt",
+     VELQUOR_CGATS "huge 1e308 1e308 1e308 1e308\nbad\xff\xfe-\xe2\x82 20 40 60 81\nEND_DATA\n"},
+    {"full.txt", VELQUOR_CGATS "gap 20 40 60 80\nnear 20.2 40.1 60 80\nEND_DATA\n"},
+    {"m.txt", VELQUOR_CGATS "gap 20 \"\" 60 80\nnear 20.2 40.1 60 80\nEND_DATA\n"},
+    {"c.csv", "name,400,500,600,700\nstd,20,40,60,80\n\"ctl\t\xc0\xaf\xed\xa0\x80\",20,40,60,81\n"},
     {"u.txt", "BEGIN_DATA_FORMAT\nSAMPLE_ID nm400 nm500\nEND_DATA_FORMAT\nBEGIN_DATA\n1 1 2\n"},
     {"g.txt", std::string("\x7f\x45LF\x01\x00\x00", 7)},
     {"t.csv", "name,400,500,600\na,1,x,3\n"},
-    {"full.txt", kSmallCgats + std::string("40") + kSmallCgatsEnd},
-    {"m.txt", kSmallCgats + std::string("\"\"") + kSmallCgatsEnd},
 };
 
 // The table's text with each "\xHH" replaced by the byte HH.
@@ -114,14 +106,12 @@ TEST_P(ToolRun, ExitCodeAndMessages) {
   EXPECT_TRUE(err.empty() || errors.find(err) == errors.rfind(err)) << errors;  // said once
   const std::string all = out + errors + Read(dir_ / file);
   EXPECT_TRUE(absent.empty() || all.find(absent) == std::string::npos) << all;
-  if (!row.Text("parse").empty()) {
-    const std::string parse = row.Text("parse") == "json" ? "json.load(f)" : "f.read()";
-    EXPECT_EQ(Shell("/usr/bin/python3 -c 'import json; f = open(\"" + file +
-                    "\", encoding=\"utf-8\"); " + parse + "'"),
-              0)
-        << Read(dir_ / file);
-    EXPECT_THAT(Read(dir_ / file), HasSubstr("\xef\xbf\xbd"));  // U+FFFD
-  }
+  const std::string parse = row.Text("parse") == "json" ? "json.load(f)" : "f.read()";
+  EXPECT_TRUE(row.Text("parse").empty() ||  // well-formed, with U+FFFD
+              (Shell("/usr/bin/python3 -c 'import json; f = open(\"" + file +
+                     "\", encoding=\"utf-8\"); " + parse + "'") == 0 &&
+               Read(dir_ / file).find("\xef\xbf\xbd") != std::string::npos))
+      << Read(dir_ / file);
 }
 
 #define VELQUOR_RUNS(table)                                             \

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <regex>
 #include <string>
 #include <vector>
@@ -22,14 +23,14 @@ using Strings = std::vector<std::string>;
 // An ellipse of semi-axes `a` (along Δa*) and `b` (along Δb*), `count` points.
 std::vector<std::array<double, 2>> Ellipse(double a, double b, int count) {
   std::vector<std::array<double, 2>> points;
-  for (int k = 0; k < count; ++k) {
-    const double t = 2 * 3.14159265358979323846 * k / count;
+  for (double t = 0; points.size() < static_cast<std::size_t>(count);
+       t += 2 * std::numbers::pi / count) {
     points.push_back({a * std::cos(t), b * std::sin(t)});
   }
   return points;
 }
 
-// A sample at CIELAB (50, 20, 10) + Δ with the total difference `total` under the first
+// A sample at CIELAB (50, 0, 0) + Δ with the total difference `total` under the first
 // condition and `total` + 0.06 under the second; it passes up to 1.
 QcSample Sample(std::string name, double dl, double da, double db, double total) {
   QcSample s;
@@ -38,7 +39,7 @@ QcSample Sample(std::string name, double dl, double da, double db, double total)
   QcResult r;
   r.computed = true;
   r.labDelta = {dl, da, db};
-  const double values[] = {dl, da, db, 50 + dl, 20 + da, 10 + db};
+  const double values[] = {dl, da, db, 50 + dl, da, db};
   for (std::size_t k = 0; k < 3; ++k) r.difference[k] = values[k], r.lab[k] = values[k + 3];
   r.difference[6] = total;
   r.pass = total <= 1;
@@ -51,8 +52,6 @@ QcSample Sample(std::string name, double dl, double da, double db, double total)
 // Two conditions; trial "good" passes, "bad" fails (totals 1.75, 1.81), "holey" was rejected.
 QcReport MakeReport() {
   QcReport report;
-  report.standardSource = "std.csv";
-  report.trialsSource = "batch.csv";
   report.system.caption = "CMC (L:C) = 2 : 1, cf = 1";
   report.conditions = {{2, 1, "D65/10°"}, {0, 1, "A/10°"}};
   report.columnLabels = {"ΔL*", "Δa*", "Δb*", "ΔL*cmc", "ΔC*cmc", "ΔH*cmc", "ΔE*cmc"};
@@ -187,9 +186,8 @@ TEST(RenderQcHtml, ColumnsRejectedTrialsAndSwatches) {
   QcReport report = MakeReport();
   report.columnLabels = {"ΔL*", "Δa*", "Δb*", "(slot 4)", "ΔC*", "ΔH*", "ΔE*ab"};
   report.trials[0].results[0].difference[3] = 777.0;
-  report.standard.results[0].lab[1] = report.standard.results[0].lab[2] = 0;
-  report.trials[0].results[0].lab[0] = 5;
-  report.trials[0].results[0].lab[1] = report.trials[0].results[0].lab[2] = 0;
+  CValueVector5& lab = report.trials[0].results[0].lab;
+  lab[0] = 5, lab[1] = lab[2] = 0;
   const std::string html = RenderQcHtml(report);
   EXPECT_NE(html.find("background:#777777"), std::string::npos);
   EXPECT_NE(html.find("background:#111111"), std::string::npos);
@@ -218,11 +216,9 @@ TEST(RenderQcHtml, ColumnsRejectedTrialsAndSwatches) {
 // The tolerance polygon keeps every contour point, and the common scale fits the contour and
 // every trial inside the plot, whichever of the two is larger. No contour, no polygon.
 TEST(RenderQcHtml, ContourAndTrialsShareOneScaleInsideTheViewBox) {
-  const double kCases[][5] = {// contour semi-axes a, b, points; the failing trial's Δa*, Δb*
-                              {0.8, 1.2, 36, 1.5, 0.5},
-                              {0.5, 0.3, 72, -6.0, 4.0},
-                              {40, 25, 8, 0.2, -0.1},
-                              {0, 0, 0, 1, 1}};
+  // Contour semi-axes a, b and points; the failing trial's Δa*, Δb*.
+  const double kCases[][5] = {
+      {0.8, 1.2, 36, 1.5, 0.5}, {0.5, 0.3, 72, -6.0, 4.0}, {40, 25, 8, 0.2, -0.1}, {0, 0, 0, 1, 1}};
   for (const auto& [a, b, points, da, db] : kCases) {
     QcReport report = MakeReport();
     report.toleranceContour = Ellipse(a, b, static_cast<int>(points));
