@@ -74,27 +74,24 @@ static char scratchFolder[256];
 static void TestTexts(void) {
   CHECK_STR(0, vq_result_text(VQ_ERR_NULL), "null pointer");
   CHECK_STR(1, vq_result_text(-99), "unknown result code");
-
   // Too small a buffer: cut to size - 1 bytes, terminated, full length returned.
-  CHECK_TEXT(0, vq_string(384, BUF), "A|Tungsten");
   CHECK_INT(1, vq_string(384, text, 4), 10);
   CHECK_STR(1, text, "A|T");
-  CHECK_INT(2, vq_string(384, NULL, 0), 10);
+  CHECK_RESULTS(10, vq_string(384, NULL, 0));
   CHECK_INT(3, vq_string(60000, BUF), VQ_ERR_NOT_FOUND);
   CHECK_STR(3, text, "");
-
   // A translation replaces the texts it lists and nothing else; a bad one is refused.
   static const char kGerman[] = "384\tA|Glühlampe\n";
   char error[128] = "";
-  CHECK_INT(0, vq_load_translation_text(kGerman, strlen(kGerman), error, sizeof error), VQ_OK);
-  CHECK_TEXT(0, vq_string(384, BUF), "A|Glühlampe");
-  CHECK_TEXT(0, vq_string(385, BUF), "C|North Sky Daylight");
+  CHECK_RESULTS(VQ_OK, vq_load_translation_text(kGerman, strlen(kGerman), error, sizeof error));
   CHECK_INT(1, vq_load_translation_text("no tab here\n", 12, error, sizeof error), VQ_ERR_FAILED);
   CHECK_INT(1, error[0] != '\0', 1);
   CHECK_TEXT(1, vq_string(384, BUF), "A|Glühlampe");
+  CHECK_TEXT(1, vq_string(385, BUF), "C|North Sky Daylight");
   CHECK_INT(2, vq_clear_translation(), VQ_OK);
   CHECK_TEXT(2, vq_string(384, BUF), "A|Tungsten");
 
+  const char* cmcWeights[] = {"2", "1", "1"};
   CHECK_TEXT(0, vq_illuminant_text(2, VQ_ILLUMINANT_CODE, BUF), "D65");
   CHECK_TEXT(1, vq_illuminant_text(0, VQ_ILLUMINANT_NAME, BUF), "Tungsten");
   CHECK_TEXT(0, vq_observer_text(1, VQ_OBSERVER_SLASH, BUF), "/10°");
@@ -105,19 +102,15 @@ static void TestTexts(void) {
   CHECK_TEXT(0, vq_difference_text(VQ_DIFF_CIELAB, VQ_DIFF_TEXT_CAPTION, BUF), "CIE L*a*b*");
   CHECK_TEXT(1, vq_difference_text(VQ_DIFF_CIELAB, VQ_DIFF_TEXT_VALUE_COLUMNS, BUF),
              "L*|a*|b*|C*|h°");
-  const char* cmcWeights[] = {"2", "1", "1"};
   CHECK_INT(0, vq_difference_weight_count(VQ_DIFF_CMC), 3);
   CHECK_TEXT(0, vq_difference_caption(VQ_DIFF_CMC, 0, cmcWeights, 3, BUF),
              "CMC (L:C) = 2 : 1, cf = 1");
   CHECK_TEXT(1, vq_difference_caption(VQ_DIFF_CMC, 1, cmcWeights, 3, BUF), "CMC (2:1) cf=1");
   CHECK_TEXT(0, vq_difference_total_label(VQ_DIFF_CMC, BUF), "ΔE*cmc");
   CHECK_TEXT(0, vq_shade_descriptor(1, BUF), "Darker");
-  CHECK_TEXT(1, vq_shade_descriptor(0, BUF), " ");
   CHECK_TEXT(0, vq_step_code_text(45, BUF), "4-5");
-  CHECK_TEXT(1, vq_step_code_text(3, BUF), " 3 ");
   CHECK_TEXT(0, vq_index_text(VQ_INDEX_WI_CIE, VQ_INDEX_TEXT_LONG_NAME, BUF), "Whiteness: CIE");
   CHECK_TEXT(1, vq_index_text(VQ_INDEX_WI_CIE, VQ_INDEX_TEXT_HEADING, BUF), "WI\nCIE-94");
-  CHECK_TEXT(0, vq_index_mask(87, 0, BUF), "-000.00");
   CHECK_TEXT(1, vq_index_mask(VQ_INDEX_WI_CIE, 0, BUF), "0000.00");
   CHECK_TEXT(0, vq_weight_unit_name(0, BUF), "Pounds");
   CHECK_TEXT(0, vq_volume_unit_name(0, BUF), "Gallons");
@@ -134,55 +127,46 @@ static void TestData(void) {
                 vq_convert_refl(values + 2, 1, VQ_REFL_DENSITY));
   CHECK_REFS(0, {values[0], 0.25, 1e-15}, {values[1], 9999.0, 0.0}, {values[2], 1.0, 1e-15});
 
-  // Onto the grid: 400-700 nm at 10 nm (fractions) is sampled, and repeated outward from the
-  // ends; 20 nm data of a quadratic is reproduced at 450 nm (t = -0.5) by Sprague
-  // interpolation, which is exact for polynomials up to degree 4 away from the ends.
-  double bands[31], fractions[31], twentyNm[19], quadratic[19], grid[VQ_SPECTRUM_POINTS];
-  for (int i = 0; i < 31; ++i) fractions[i] = (bands[i] = 400.0 + 10.0 * i) / 1000.0;
+  // Onto the grid: two spectra of 400-700 nm at 10 nm (fractions), a flat 50 % and
+  // 1 - nm / 1000, each read from its own place and repeated outward from the ends; 20 nm
+  // data of a quadratic is reproduced at 450 nm (t = -0.5) by Sprague interpolation, which is
+  // exact for polynomials up to degree 4 away from the ends.
+  double bands[31], two[62], twentyNm[19], quadratic[19], grids[2 * VQ_SPECTRUM_POINTS];
+  for (int i = 0; i < 62; ++i) two[i] = i < 31 ? 0.5 : 1.0 - (bands[i - 31] = 400.0 + 10.0 * (i - 31)) / 1000.0;
   for (int i = 0; i < 19; ++i) {
     const double t = ((twentyNm[i] = 380.0 + 20.0 * i) - 500.0) / 100.0;
     quadratic[i] = 30.0 + 10.0 * t - 4.0 * t * t;
   }
-  CHECK_INT(0, vq_map_to_grid(bands, 31, fractions, 1, 100.0, grid, BUF), VQ_OK);
-  CHECK_REFS(0, {grid[4], 40.0, 1e-12}, {grid[19], 55.0, 1e-12}, {grid[0], 40.0, 1e-12},
-             {grid[39], 70.0, 1e-12});
-  CHECK_INT(1, vq_map_to_grid(twentyNm, 19, quadratic, 1, 1.0, grid, NULL, 0), VQ_OK);
-  CHECK_NEAR(1, grid[9], 30.0 - 5.0 - 1.0, 1e-9);
-  // Several spectra, each read from its own place: a flat 50 %, then 1 - nm / 1000.
-  double two[62], twoGrids[2 * VQ_SPECTRUM_POINTS];
-  for (int i = 0; i < 62; ++i) two[i] = i < 31 ? 0.5 : 1.0 - fractions[i - 31];
-  CHECK_INT(3, vq_map_to_grid(bands, 31, two, 2, 100.0, twoGrids, NULL, 0), VQ_OK);
-  CHECK_REFS(3, {twoGrids[4], 50.0, 1e-12}, {twoGrids[VQ_SPECTRUM_POINTS + 19], 45.0, 1e-12});
-  CHECK_INT(2, vq_map_to_grid(bands, 2, fractions, 1, 100.0, grid, BUF), VQ_ERR_FAILED);
+  CHECK_INT(0, vq_map_to_grid(bands, 31, two, 2, 100.0, grids, BUF), VQ_OK);
+  CHECK_REFS(0, {grids[4], 50.0, 1e-12}, {grids[VQ_SPECTRUM_POINTS + 19], 45.0, 1e-12},
+             {grids[VQ_SPECTRUM_POINTS], 60.0, 1e-12}, {grids[2 * VQ_SPECTRUM_POINTS - 1], 30.0, 1e-12});
+  CHECK_INT(1, vq_map_to_grid(twentyNm, 19, quadratic, 1, 1.0, grids, NULL, 0), VQ_OK);
+  CHECK_NEAR(1, grids[9], 30.0 - 5.0 - 1.0, 1e-9);
+  CHECK_INT(2, vq_map_to_grid(bands, 2, two, 1, 100.0, grids, BUF), VQ_ERR_FAILED);
   CHECK_INT(2, text[0] != '\0', 1); /* the reason */
 }
-
 
 static void TestWhitePointsAndTristimulus(void) {
   // ASTM E308 white points of the 10 nm tables, to their three decimals.
   static const double kWhites[][4] = {
       {2, 0, 95.047, 108.883}, {2, 1, 94.811, 107.304}, {1, 0, 98.074, 118.232}};
   vq_xyz white, full, half, fallback, missing;
+  double table[VQ_WEIGHT_TABLE_LENGTH], spectrum[VQ_SPECTRUM_POINTS];
   for (int i = 0; i < COUNT(kWhites); ++i) {
-    const int illuminant = (int)kWhites[i][0], observer = (int)kWhites[i][1];
-    double table[VQ_WEIGHT_TABLE_LENGTH];
-    CHECK_INT(i, vq_white_point(illuminant, observer, &white), VQ_OK);
-    CHECK_INT(i, vq_weight_table(illuminant, observer, table, 123), 123);
+    CHECK_RESULTS(VQ_OK, vq_white_point((int)kWhites[i][0], (int)kWhites[i][1], &white));
+    CHECK_INT(i, vq_weight_table((int)kWhites[i][0], (int)kWhites[i][1], table, 123), 123);
     CHECK_REFS(i, {white.x, kWhites[i][2], 5e-4}, {white.y, 100.0, 5e-4},
                {white.z, kWhites[i][3], 5e-4}, {table[120], white.x, 0.0},
                {table[122], white.z, 0.0});
   }
-
   // A flat 50 % spectrum gives exactly half of the 100 % one (halving is exact in binary),
   // and the 100 % one the white point within the tables' rounding. An illuminant without a
   // table falls back to D65; a missing first point makes the whole triple missing.
-  double spectrum[VQ_SPECTRUM_POINTS];
   Flat(spectrum, 100.0);
   CHECK_INT(0, vq_compute_xyz(spectrum, 2, 1, &full), VQ_OK);
   Flat(spectrum, 50.0);
-  CHECK_INT(1, vq_compute_xyz(spectrum, 2, 1, &half), VQ_OK);
+  CHECK_RESULTS(VQ_OK, vq_compute_xyz(spectrum, 2, 1, &half), vq_white_point(2, 1, &white));
   CHECK_INT(2, vq_compute_xyz(spectrum, 20, 1, &fallback), VQ_FALLBACK);
-  vq_white_point(2, 1, &white);
   CHECK_REFS(0, {full.x, white.x, 0.025}, {full.y, 100.0, 0.005}, {full.z, white.z, 0.025},
              {half.x, 0.5 * full.x, 0.0}, {half.y, 0.5 * full.y, 0.0},
              {half.z, 0.5 * full.z, 0.0}, {fallback.y, half.y, 0.0});
@@ -202,22 +186,20 @@ static void TestBatches(void) {
   spectra[7 * VQ_SPECTRUM_POINTS] = VQ_MISSING;
   CHECK_RESULTS(VQ_OK, vq_xyz_batch(spectra, kCount, 5, 0, xyz),
                 vq_lab_batch(spectra, kCount, 5, 0, lab, NULL),
-                vq_lab_batch(spectra, kCount, 5, 0, lab2, xyz2), vq_xyz_batch(NULL, 0, 2, 0, NULL));
-  int mismatches = 0;
+                vq_lab_batch(spectra, kCount, 5, 0, lab2, xyz2), vq_xyz_batch(NULL, 0, 2, 0, NULL),
+                vq_xyz_to_lab_batch(5, 0, xyz + 6, 2, lab3));
+  int mismatches = memcmp(lab3, lab + 6, sizeof lab3) != 0;
   for (int k = 0; k < kCount; ++k) {
     vq_xyz one;
     vq_coords5 oneLab;
     vq_compute_xyz(spectra + k * VQ_SPECTRUM_POINTS, 5, 0, &one);
     vq_xyz_to_lab(5, 0, &one, &oneLab);
-    mismatches += memcmp(&one, &xyz[k], sizeof one) != 0 ||
-                  memcmp(&one, &xyz2[k], sizeof one) != 0 ||
+    mismatches += memcmp(&one, &xyz[k], sizeof one) != 0 || memcmp(&one, &xyz2[k], sizeof one) != 0 ||
                   memcmp(&oneLab, &lab[k], sizeof oneLab) != 0 ||
                   memcmp(&oneLab, &lab2[k], sizeof oneLab) != 0;
   }
   CHECK_INT(0, mismatches, 0);
   CHECK_MISSING(1, lab[7].l);
-  CHECK_INT(2, vq_xyz_to_lab_batch(5, 0, xyz + 6, 2, lab3), VQ_OK);
-  CHECK_INT(2, memcmp(lab3, lab + 6, sizeof lab3), 0);
 }
 
 static void TestColourSpaces(void) {
@@ -227,19 +209,22 @@ static void TestColourSpaces(void) {
   vq_coords5 lab, start = {50.0, 20.0, -30.0, 0.0, 0.0}, back, luv, hunter, din99;
   vq_coords5 neutral = {50.0, 0.0, 0.0, 0.0, 0.0};
   double x, y, blackX, blackY, c, h, c2, quarterTurn;
+  int32_t rgb[3], grey[3];
   vq_white_point(2, 0, &white);
+  vq_xyz bright = {2.0 * white.x, 2.0 * white.y, 2.0 * white.z};
   CHECK_RESULTS(VQ_OK, vq_xyz_to_lab_white(&pairWhite, &half, &lab),
                 vq_lab_to_xyz(2, 1, &start, &xyz), vq_xyz_to_luv(2, 0, &white, &luv),
                 vq_xyz_to_hunter_lab(1, 0, &hunterSample, &hunter),
                 vq_lab_to_din99(&neutral, 1.0, 1.0, &din99), vq_xyz_to_xy(&d65, &x, &y),
-                vq_chroma_hue(3.0, 4.0, &c, &h));
-  CHECK_RESULTS(VQ_OK, vq_xyz_to_lab(2, 1, &xyz, &back), vq_luv_to_xyz(2, 0, &luv, &luvBack),
-                vq_hunter_lab_to_xyz(1, 0, &hunter, &hunterBack));
+                vq_chroma_hue(3.0, 4.0, &c, &h), vq_xyz_to_lab(2, 1, &xyz, &back),
+                vq_luv_to_xyz(2, 0, &luv, &luvBack), vq_hunter_lab_to_xyz(1, 0, &hunter, &hunterBack),
+                vq_xyz_to_rgb(2, 0, &bright, rgb));
   vq_xyz_to_xy(&black, &blackX, &blackY);
   CHECK_MISSING(0, blackX);
   vq_set_hue_in_degrees(0);
   vq_chroma_hue(0.0, 2.0, &c2, &quarterTurn);
   vq_set_hue_in_degrees(1);
+  vq_xyz_to_rgb(2, 0, &absent, grey);
   // CIELAB of 50 % of the white: L* = 116 x 0.5^(1/3) - 16, a* = 0.
   // CIELAB round trip through the pair's white (the inverse keeps the library's six-digit
   // offset, exact to about 4e-8 relative): C*ab = sqrt(20^2 + 30^2), hab = 360 - atan(30/20).
@@ -250,6 +235,8 @@ static void TestColourSpaces(void) {
   // Chromaticity of D65 / 2 degree: 95.047 / 303.93 and 100 / 303.93.
   // Polar form of (3, 4): chroma 5, hue atan2(4, 3); in radian mode the +b axis is the
   // rounded quarter turn 1.570796326795.
+  // Display RGB: twice the white saturates every channel at 255 (linear values >= 1), a
+  // missing sample is the neutral grey 192.
   CHECK_REFS(0, {lab.l, 116.0 * cbrt(0.5) - 16.0, 1e-9}, {lab.a, 0.0, 1e-12},
              {back.l, 50.0, 1e-6}, {back.a, 20.0, 1e-6}, {back.c, sqrt(1300.0), 1e-6},
              {back.h, 360.0 - atan(1.5) * 57.29577951307855, 1e-5},
@@ -258,18 +245,9 @@ static void TestColourSpaces(void) {
              {hunter.b, 7.0 * 14.59 / sqrt(40.0), 1e-12}, {hunterBack.x, 50.0, 1e-9},
              {din99.l, 105.51 * log(1.79), 1e-12}, {din99.c, 0.0, 1e-15},
              {x, 95.047 / 303.93, 1e-15}, {y, 100.0 / 303.93, 1e-15}, {c, 5.0, 1e-15},
-             {h, 53.13010235415598, 1e-9}, {quarterTurn, 1.570796326795, 0.0});
-
-  // Display RGB: twice the white saturates every channel at 255 (linear values >= 1), a
-  // missing sample is the neutral grey 192.
-  int32_t rgb[3];
-  vq_xyz bright = {2.0 * white.x, 2.0 * white.y, 2.0 * white.z};
-  CHECK_INT(0, vq_xyz_to_rgb(2, 0, &bright, rgb), VQ_OK);
-  CHECK_INT(0, rgb[0] + rgb[1] + rgb[2], 3 * 255);
-  vq_xyz_to_rgb(2, 0, &absent, rgb);
-  CHECK_INT(1, rgb[1], 192);
+             {h, 53.13010235415598, 1e-9}, {quarterTurn, 1.570796326795, 0.0},
+             {rgb[0] + rgb[1] + rgb[2], 3 * 255, 0.0}, {grey[1], 192, 0.0});
 }
-
 
 static vq_sample LabSample(double l, double a, double b) {
   vq_sample s = {{20.0, 20.0, 20.0}, {l, a, b, 0.0, 0.0}}; /* any XYZ that is not missing */
@@ -278,26 +256,16 @@ static vq_sample LabSample(double l, double a, double b) {
 }
 
 static void TestDifferences(void) {
-  // Sharma, Wu and Dalal (2005), Table 1: pairs 1, 17 and 34, CIEDE2000 to 4 decimals (the
-  // formula's branches are tested in C++; here the system codes and the coordinates' routing).
-  // Delta E*ab of the same pairs by hand: sqrt(dL^2 + da^2 + db^2).
-  static const double kPairs[][7] = {
-      {50.0000, 2.6772, -79.7751, 50.0000, 0.0000, -82.7485, 2.0425},
-      {50.0000, 2.5000, 0.0000, 73.0000, 25.0000, -18.0000, 27.1492},
-      {2.0776, 0.0795, -1.1350, 0.9033, -0.0636, -0.5514, 0.9082},
-  };
+  // Sharma, Wu and Dalal (2005), Table 1, pair 17: CIEDE2000 27.1492 (the formula's branches
+  // are tested in C++; here the system codes and the coordinates' routing). Delta E*ab of the
+  // same pair by hand: sqrt(23^2 + 22.5^2 + 18^2).
   vq_diff7 d, de2000;
-  for (int i = 0; i < COUNT(kPairs); ++i) {
-    const double* p = kPairs[i];
-    const double dl = p[3] - p[0], da = p[4] - p[1], db = p[5] - p[2];
-    vq_sample standard = LabSample(p[0], p[1], p[2]), trial = LabSample(p[3], p[4], p[5]);
-    CHECK_RESULTS(VQ_OK, vq_color_difference(&standard, &trial, VQ_DIFF_CIE2000, 2, 1, NULL,
-                                             0.0, &de2000),
-                  vq_color_difference(&standard, &trial, VQ_DIFF_CIELAB, 2, 1, NULL, 0.0, &d));
-    CHECK_REFS(i, {de2000.slot[6], p[6], 1e-4}, {d.slot[0], dl, 1e-12},
-               {d.slot[6], sqrt(dl * dl + da * da + db * db), 1e-12});
-  }
-  vq_sample standard = LabSample(50, 0, 0), trial = LabSample(55, 1, 1);
+  vq_sample standard = LabSample(50.0, 2.5, 0.0), trial = LabSample(73.0, 25.0, -18.0);
+  CHECK_RESULTS(VQ_OK, vq_color_difference(&standard, &trial, VQ_DIFF_CIE2000, 2, 1, NULL, 0.0,
+                                           &de2000),
+                vq_color_difference(&standard, &trial, VQ_DIFF_CIELAB, 2, 1, NULL, 0.0, &d));
+  CHECK_REFS(0, {de2000.slot[6], 27.1492, 1e-4}, {d.slot[0], 23.0, 1e-12},
+             {d.slot[6], sqrt(23.0 * 23.0 + 22.5 * 22.5 + 18.0 * 18.0), 1e-12});
   trial.xyz.x = trial.xyz.y = trial.xyz.z = VQ_MISSING;
   vq_color_difference(&standard, &trial, VQ_DIFF_CMC, 2, 1, NULL, 0.0, &d);
   CHECK_MISSING(0, d.slot[6]);
@@ -331,9 +299,6 @@ static void TestDifferences(void) {
       CHECK_REFS(s, {batch[0].slot[6], 0.0, 0.0},
                  {batch[1].slot[6], 116.0 * (cbrt(0.6) - cbrt(0.5)), 5e-3});
   }
-  CHECK_INT(0, vq_delta_e_batch(standardCurve, NULL, 0, VQ_DIFF_CIELAB, 2, 1, NULL, 0.0, NULL),
-            VQ_OK);
-
   // Samples for DIN99 take kCH, kE from the weights; XYZ-only systems get missing
   // coordinates.
   vq_xyz white;
@@ -342,14 +307,16 @@ static void TestDifferences(void) {
   vq_white_point(2, 1, &white);
   vq_xyz_to_lab(2, 1, &white, &lab);
   vq_lab_to_din99(&lab, 2.0, 1.0, &expected);
-  CHECK_INT(0, vq_sample_from_xyz(&white, VQ_DIFF_DIN99, 2, 1, weights, &din), VQ_OK);
+  CHECK_RESULTS(VQ_OK, vq_sample_from_xyz(&white, VQ_DIFF_DIN99, 2, 1, weights, &din),
+                vq_delta_e_batch(standardCurve, NULL, 0, VQ_DIFF_CIELAB, 2, 1, NULL, 0.0, NULL));
   vq_sample_from_xyz(&white, VQ_DIFF_FMC2, 2, 1, NULL, &fmc);
   CHECK_REFS(0, {din.coords.l, expected.l, 0.0}, {fmc.xyz.z, white.z, 0.0});
   CHECK_MISSING(1, fmc.coords.l);
 }
 
 static void TestShades(void) {
-  // Thresholds: |dL| >= 0.1 counts (inclusive), |da| and |db| > 0.1 (strict).
+  // Thresholds: |dL| >= 0.1 counts (inclusive), |da| and |db| > 0.1 (strict). A missing
+  // lightness difference: no text, code 0.
   static const struct {
     double a, b, dl, da, db;
     const char* text;
@@ -359,51 +326,44 @@ static void TestShades(void) {
        {0xFFFFFF, 0x0000FF, 0xFF0000}},
       {2, -3, -0.1, 0.1, 0.1000001, "Darker, ,Less Blue", {1, 0, 9}, {0, 0, 0xFF0000}},
       {-1, 1, 0.0999999, -0.1000001, -0.1, " ,Greener, ", {0, 6, 0}, {0, 0x008000, 0}},
+      {2, -3, VQ_MISSING, 1, 1, "", {0, 0, 0}, {0, 0, 0}},
   };
-  int codes[3];
-  uint32_t colours[3];
   for (int i = 0; i < COUNT(kShades); ++i) {
+    int codes[3] = {7, 7, 7};
+    uint32_t colours[3] = {0, 0, 0};
     vq_coords5 standard = {50, kShades[i].a, kShades[i].b, 0, 0};
     vq_diff7 d = {{kShades[i].dl, kShades[i].da, kShades[i].db, 0, 0, 0, 0}};
-    CHECK_TEXT(i, vq_describe_shade(&standard, &d, 0, codes, colours, BUF), kShades[i].text);
-    for (int k = 0; k < 3; ++k) CHECK_INT(i * 10 + k, codes[k], kShades[i].codes[k]);
-    for (int k = 0; k < 3; ++k) CHECK_INT(i * 10 + k, colours[k], kShades[i].colours[k]);
+    CHECK_TEXT(i, vq_describe_shade(&standard, &d, 0, codes, i < 3 ? colours : NULL, BUF),
+               kShades[i].text);
+    for (int k = 0; k < (i < 3 ? 3 : 1); ++k)
+      CHECK_INT(i * 10 + k, codes[k] * 0x1000000LL + colours[k],
+                kShades[i].codes[k] * 0x1000000LL + kShades[i].colours[k]);
   }
-  // A missing lightness difference: no text, code 0.
-  vq_coords5 standard = {50, 2, -3, 0, 0};
-  vq_diff7 d = {{VQ_MISSING, 1, 1, 0, 0, 0, 0}};
-  codes[0] = 7;
-  CHECK_TEXT(3, vq_describe_shade(&standard, &d, 0, codes, NULL, BUF), "");
-  CHECK_INT(3, codes[0], 0);
 }
-
 
 static void TestIndices(void) {
   // The white of a pair is its own reference: CIE whiteness = its Y, CIE tint 0, both
   // filter values 100 %; ASTM E313-73 whiteness is defined for C / 2 degree only.
   // Ganz/Griesser W = D Y + P x + Q y + C with coefficients (1, 0, 0, 0) is Y.
-  vq_xyz white;
-  vq_white_point(2, 1, &white);
+  // ASTM E313-10, table of white points: D65 / 2 degree (0.3127, 0.3290).
+  // ASTM D1925 of (80, 85, 90) under C / 2 degree: 100 (1.28 x 80 - 1.06 x 90) / 85.
+  vq_xyz white, sample[2] = {{80.0, 85.0, 90.0}, {VQ_MISSING, VQ_MISSING, VQ_MISSING}};
   const double ganz[4] = {1.0, 0.0, 0.0, 0.0};
-  double wi, tint, rz, rx, ganzWi, e313, xn, yn;
+  double wi, tint, rz, rx, ganzWi, e313, xn, yn, yi[2];
+  vq_white_point(2, 1, &white);
   CHECK_RESULTS(VQ_OK, vq_index(VQ_INDEX_WI_CIE, 2, 1, &white, NULL, &wi),
                 vq_index(VQ_INDEX_TINT_CIE, 2, 1, &white, NULL, &tint),
                 vq_index(VQ_INDEX_FILTER_RZ, 2, 1, &white, NULL, &rz),
                 vq_index(VQ_INDEX_FILTER_RX, 2, 1, &white, NULL, &rx),
                 vq_index(VQ_INDEX_WI_GANZ, 2, 1, &white, ganz, &ganzWi),
-                vq_e313_white_point(2, 0, &xn, &yn));
+                vq_e313_white_point(2, 0, &xn, &yn),
+                vq_index_batch(VQ_INDEX_YI_D1925, 1, 0, sample, 2, NULL, yi));
   vq_index(VQ_INDEX_WI_E313_73, 2, 1, &white, NULL, &e313);
   CHECK_MISSING(0, e313);
-  // ASTM E313-10, table of white points: D65 / 2 degree (0.3127, 0.3290).
+  CHECK_MISSING(1, yi[1]);
   CHECK_REFS(0, {wi, white.y, 1e-9}, {tint, 0.0, 1e-9}, {rz, 100.0, 1e-9}, {rx, 100.0, 1e-9},
-             {ganzWi, white.y, 1e-12}, {xn, 0.3127, 0.0}, {yn, 0.3290, 0.0});
-
-  // ASTM D1925 of (80, 85, 90) under C / 2 degree: 100 (1.28 x 80 - 1.06 x 90) / 85.
-  vq_xyz sample[2] = {{80.0, 85.0, 90.0}, {VQ_MISSING, VQ_MISSING, VQ_MISSING}};
-  double values[2];
-  CHECK_INT(0, vq_index_batch(VQ_INDEX_YI_D1925, 1, 0, sample, 2, NULL, values), VQ_OK);
-  CHECK_NEAR(0, values[0], 700.0 / 85.0, 1e-12);
-  CHECK_MISSING(1, values[1]);
+             {ganzWi, white.y, 1e-12}, {xn, 0.3127, 0.0}, {yn, 0.3290, 0.0},
+             {yi[0], 700.0 / 85.0, 1e-12});
 }
 
 static void TestWavelengthAndFastness(void) {
@@ -415,8 +375,8 @@ static void TestWavelengthAndFastness(void) {
   vq_xyz_to_xy(&white, &xn, &yn);
   const double x = 0.5 * (xn + 0.5124), y = 0.5 * (yn + 0.4867);
   const vq_xyz sample = {100.0 * x, 100.0 * y, 100.0 * (1.0 - x - y)};
-  CHECK_INT(0, vq_dominant_wavelength(2, 0, &sample, &nm, &purity), VQ_OK);
-  vq_index(VQ_INDEX_EXCITATION_PURITY, 2, 0, &sample, NULL, &indexPurity);
+  CHECK_RESULTS(VQ_OK, vq_dominant_wavelength(2, 0, &sample, &nm, &purity),
+                vq_index(VQ_INDEX_EXCITATION_PURITY, 2, 0, &sample, NULL, &indexPurity));
   vq_dominant_wavelength(2, 0, &white, &whiteNm, &whitePurity);
   CHECK_REFS(0, {nm, 580.0, 1e-9}, {purity, 50.0, 1e-9}, {indexPurity, 50.0, 1e-9},
              {whitePurity, 0.0, 0.0});
@@ -431,20 +391,18 @@ static void TestWavelengthAndFastness(void) {
   const struct {
     uint32_t identifier;
     const vq_xyz* trial;
-    double expected, tolerance;
-  } kGrades[] = {{VQ_INDEX_STAIN_A04, &half, 6.1 - 1.45 * log(de), 1e-9},
-                 {VQ_INDEX_GREY_SCALE_A05, &half, 5.0 - log(de / 0.85) / log(2.0), 1e-9},
-                 {VQ_INDEX_GREY_SCALE_STEP_A05, &half, 1.0, 0.0},
-                 {VQ_INDEX_STAIN_A04, &white, 5.0, 0.0},
-                 {VQ_INDEX_STAIN_STEP_A04, &white, 5.0, 0.0}};
+    double expected;
+  } kGrades[] = {{VQ_INDEX_STAIN_A04, &half, 6.1 - 1.45 * log(de)},
+                 {VQ_INDEX_GREY_SCALE_A05, &half, 5.0 - log(de / 0.85) / log(2.0)},
+                 {VQ_INDEX_GREY_SCALE_STEP_A05, &half, 1.0},
+                 {VQ_INDEX_STAIN_STEP_A04, &white, 5.0}};
   for (int i = 0; i < COUNT(kGrades); ++i) {
     double grade;
     CHECK_INT(i, vq_fastness(kGrades[i].identifier, 2, 0, &white, kGrades[i].trial, &grade),
               VQ_OK);
-    CHECK_NEAR(i, grade, kGrades[i].expected, kGrades[i].tolerance);
+    CHECK_NEAR(i, grade, kGrades[i].expected, 1e-9);
   }
 }
-
 
 static void TestStrength(void) {
   // Apparent strength is the ratio of the K/S sums. 50 % has K/S (0.5)^2 / 1 = 0.25 and
@@ -464,7 +422,6 @@ static void TestStrength(void) {
     CHECK_NEAR(i, strength, kMethods[i][1], 1e-9);
     if (kMethods[i][2] >= 0) CHECK_INT(i, nm, kMethods[i][2]);
   }
-  CHECK_TEXT(0, vq_strength_method_name(0, BUF), "Apparent");
   settings.target_percent = 95.0;
   CHECK_TEXT(0, vq_strength_label(&settings, BUF), "95.00 Chromatic @ 520 nm");
   vq_set_strength_decimal_separator(",");
@@ -474,7 +431,6 @@ static void TestStrength(void) {
   CHECK_TEXT(0, vq_strength_adjust_note(&settings, 80.0, 520, BUF),
              "(Apparent Strength adj. from 80.00% to 95.00%)");
 }
-
 
 // The polynomial c[0] x^2 + c[1] x + c[2], its coefficients passed as the context.
 static double Polynomial(void* context, double x) {
@@ -486,62 +442,44 @@ static double kSquareMinusTwo[3] = {1.0, 0.0, -2.0}; /* root sqrt 2 */
 static double kLinear[3] = {0.0, 1.0, -1.0};         /* x - 1: root 1 */
 
 static void TestSearches(void) {
-  double points[6] = {0.0, 0.5, 0.0, 0.0, 0.0, 0.0};
-  CHECK_INT(0, vq_bracket_minimum(Polynomial, kParabola, points), VQ_SEARCH_FOUND);
-  CHECK_INT(0, fmin(points[0], points[2]) < 2.0 && 2.0 < fmax(points[0], points[2]), 1);
-  CHECK_INT(0, points[4] <= points[3] && points[4] <= points[5], 1);
-  CHECK_INT(1, vq_golden_section(Polynomial, kParabola, points, 1e-10), VQ_SEARCH_FOUND);
-  CHECK_REFS(1, {points[0], 2.0, 1e-6}, {points[3], 1.0, 1e-12});
-
   // x - 1 rises from 0 to 0.5, so the walk runs on -(x - 1) toward larger x; the sign change
   // between a = 0 and c = 0.5 + 1.618034 x 0.5 goes to the root finder: root 1.
-  double walk[6] = {0.0, 0.5, 0.0, 0.0, 0.0, 0.0};
-  CHECK_INT(2, vq_bracket_extremum_or_root(Polynomial, kLinear, walk), VQ_SEARCH_ROOT);
-  CHECK_NEAR(2, walk[0], 1.0, 1e-9);
-
-  vq_root_result root;
-  CHECK_INT(3, vq_find_root(Polynomial, kSquareMinusTwo, 0.0, 2.0, 1e-13, &root), VQ_OK);
-  CHECK_INT(3, root.found, 1);
-  CHECK_NEAR(3, root.root, sqrt(2.0), 1e-12);
-  CHECK_INT(4, vq_find_root_bracketed(Polynomial, kSquareMinusTwo, 2.0, 3.0, 2.0, 7.0, 0.0, &root),
-            VQ_OK);
-  CHECK_INT(4, root.found, 0);
+  double points[6] = {0.0, 0.5, 0.0, 0.0, 0.0, 0.0}, walk[6] = {0.0, 0.5, 0.0, 0.0, 0.0, 0.0};
+  vq_root_result root, none;
+  CHECK_RESULTS(VQ_SEARCH_FOUND, vq_bracket_minimum(Polynomial, kParabola, points),
+                vq_golden_section(Polynomial, kParabola, points, 1e-10));
+  CHECK_RESULTS(VQ_SEARCH_ROOT, vq_bracket_extremum_or_root(Polynomial, kLinear, walk));
+  CHECK_RESULTS(VQ_OK, vq_find_root(Polynomial, kSquareMinusTwo, 0.0, 2.0, 1e-13, &root),
+                vq_find_root_bracketed(Polynomial, kSquareMinusTwo, 2.0, 3.0, 2.0, 7.0, 0.0, &none));
+  CHECK_REFS(0, {points[0], 2.0, 1e-6}, {points[3], 1.0, 1e-12}, {walk[0], 1.0, 1e-9},
+             {root.found, 1, 0}, {root.root, sqrt(2.0), 1e-12}, {none.found, 0, 0});
 }
 
-
-static void TestSettings(void) {
-  int32_t number = 0;
-  CHECK_INT(0, vq_settings_use_folder(scratchFolder, 0), VQ_OK);
-  CHECK_INT(1, vq_settings_get_int("Test", "Count", -7, &number), VQ_OK);
-  CHECK_INT(1, number, -7);
-  CHECK_RESULTS(VQ_OK, vq_settings_set_int("Test", "Count", 42),
-                vq_settings_set_string("Test", "Name", "Quality control"));
-  vq_settings_get_int("Test", "count", -7, &number); /* names ignore ASCII case */
-  CHECK_INT(2, number, 42);
+static void TestSettingsAndDates(void) {
+  // 1 000 000 000 s after the epoch is Sunday 9 September 2001, 01:46:40 UTC; the "C" locale
+  // writes MM/dd/yy and HH:mm:ss. Setting names ignore ASCII case.
+  const int64_t t = 1000000000;
+  int64_t now = 0;
+  int32_t number = 0, defaulted = 0;
+  int running = 0;
+  CHECK_RESULTS(VQ_OK, vq_settings_use_folder(scratchFolder, 0),
+                vq_settings_get_int("Test", "Count", -7, &defaulted),
+                vq_settings_set_int("Test", "Count", 42),
+                vq_settings_set_string("Test", "Name", "Quality control"),
+                vq_settings_get_int("Test", "count", -7, &number), vq_safe_current_time(&now));
+  CHECK_REFS(0, {defaulted, -7, 0}, {number, 42, 0}, {now > 1600000000, 1, 0});
   CHECK_INT(3, vq_settings_get_string("Test", "Name", "none", text, 8), 15);
   CHECK_STR(3, text, "Quality");
   CHECK_TEXT(4, vq_settings_get_string("Test", "Other", "none", BUF), "none");
-}
-
-static void TestDates(void) {
-  // 1 000 000 000 s after the epoch is Sunday 9 September 2001, 01:46:40 UTC; the "C" locale
-  // writes MM/dd/yy and HH:mm:ss.
-  const int64_t t = 1000000000;
-  int64_t now = 0;
-  int running = 0;
   CHECK_TEXT(0, vq_format_date(VQ_DATE_SHORT, t, BUF), "09/09/01");
-  CHECK_TEXT(1, vq_format_date(VQ_TIME_OF_DAY, t, BUF), "01:46:40");
   CHECK_TEXT(2, vq_format_date(VQ_DATE_TIME, t, BUF), "09/09/01 -- 01:46:40");
   CHECK_TEXT(3, vq_format_date(VQ_DATE_LONG, t, BUF), "Sunday, September 9, 2001");
   CHECK_TEXT(0, vq_format_pattern("'Batch' nnn yyyy-MM-dd", 7, t, BUF), "Batch 007 2001-09-09");
   CHECK_TEXT(0, vq_time_separator(BUF), ":");
-  CHECK_INT(0, vq_safe_current_time(&now), VQ_OK);
-  CHECK_INT(0, now > 1600000000, 1);
   CHECK_INT(0, vq_format_date(VQ_DATE_SHORT, VQ_TIME_NOW, BUF), 8);
   CHECK_TEXT(0, vq_clock_text(0, &running, BUF), "0:00");
   CHECK_INT(0, running, 1);
 }
-
 
 static void TestRefusedArguments(void) {
   static double spectra[2 * VQ_SPECTRUM_POINTS];
@@ -597,35 +535,27 @@ static void CaptureMessage(void* context, int kind, const char* message, size_t 
 }
 
 static void TestLog(void) {
-  char folder[300], logFile[320];
+  // Levels come from the settings: General 2 writes to the file, each line feed as CR LF;
+  // Color Sensor 1 sends to the message sink, with blanks and CR made visible.
+  char folder[300], logFile[320], raw[] = "a b\r\n";
   int32_t level = -1;
   snprintf(folder, sizeof folder, "%s/", scratchFolder);
   snprintf(logFile, sizeof logFile, "%sPalDebug.txt", folder);
   vq_settings_set_string("Diagnostics", "PathInfo", folder);
   vq_settings_set_int("Diagnostics", "General", 2);
   vq_settings_set_int("Diagnostics", "Color Sensor", 1);
-  vq_log_reset_levels();
-  CHECK_INT(0, vq_log_level(VQ_LOG_GENERAL, &level), VQ_OK);
-  CHECK_INT(0, level, 2);
-  CHECK_INT(0, vq_log_is_on(VQ_LOG_COLOR_SENSOR), 1);
-
-  // Level 2: to the file, each line feed written as CR LF.
-  CHECK_INT(1, vq_log(VQ_LOG_GENERAL, "first\nsecond\n"), VQ_OK);
+  CHECK_RESULTS(VQ_OK, vq_log_reset_levels(), vq_log_level(VQ_LOG_GENERAL, &level),
+                vq_log(VQ_LOG_GENERAL, "first\nsecond\n"), vq_log_send("M 1\r", 3),
+                vq_log_make_printable(raw, 5));
   FILE* file = fopen(logFile, "rb");
   const size_t length = file != NULL ? fread(text, 1, sizeof text - 1, file) : 0;
   text[length] = '\0';
   if (file != NULL) fclose(file);
-  CHECK_INT(1, length, 15);
+  CHECK_REFS(0, {level, 2, 0}, {vq_log_is_on(VQ_LOG_COLOR_SENSOR), 1, 0}, {length, 15, 0},
+             {captured.count, 1, 0}, {captured.kind, VQ_MESSAGE_INFORMATION, 0});
   CHECK_STR(1, text, "first\r\nsecond\r\n");
-  // Level 1: to the message sink, with blanks and CR made visible in the send record.
-  CHECK_INT(2, vq_log_send("M 1\r", 3), VQ_OK);
-  CHECK_INT(2, captured.count, 1);
-  CHECK_INT(2, captured.kind, VQ_MESSAGE_INFORMATION);
   CHECK_STR(2, captured.text, "SendToComm = |M^1m|, nError = 3\n");
-  char raw[] = "a b\r\n";
-  vq_log_make_printable(raw, 5);
   CHECK_STR(3, raw, "a^bmj");
-
   // A log file beyond 1 MiB is deleted at the next write, which then fails: the file error
   // reaches C as VQ_ERR_LOG_FILE, and both channels are switched off.
   static char block[4096];
@@ -634,15 +564,12 @@ static void TestLog(void) {
   for (int i = 0; i < 257 && file != NULL; ++i) fwrite(block, 1, sizeof block, file);
   if (file != NULL) fclose(file);
   CHECK_INT(4, vq_log_write(2, "lost", 4), VQ_ERR_LOG_FILE);
-  CHECK_INT(4, access(logFile, F_OK), -1);
-  CHECK_INT(4, vq_log_is_on(VQ_LOG_GENERAL), 0);
-  CHECK_INT(4, captured.count, 2);
+  CHECK_REFS(4, {access(logFile, F_OK), -1, 0}, {vq_log_is_on(VQ_LOG_GENERAL), 0, 0},
+             {captured.count, 2, 0});
 }
 
 static int RemoveEntry(const char* path, const struct stat* info, int type, struct FTW* walk) {
-  (void)info;
-  (void)type;
-  (void)walk;
+  (void)info, (void)type, (void)walk;
   return remove(path);
 }
 
@@ -653,15 +580,12 @@ int main(void) {
   tzset();
   const char* temp = getenv("TMPDIR");
   snprintf(scratchFolder, sizeof scratchFolder, "%s/vq_c_api_XXXXXX", temp ? temp : "/tmp");
-  if (mkdtemp(scratchFolder) == NULL) {
-    printf("cannot create a scratch folder\n");
-    return 1;
-  }
+  if (mkdtemp(scratchFolder) == NULL) return printf("cannot create a scratch folder\n"), 1;
   vq_set_message_sink(CaptureMessage, &captured);
   void (*const tests[])(void) = {
       TestTexts,  TestData,    TestWhitePointsAndTristimulus, TestBatches,  TestColourSpaces,
       TestDifferences, TestShades, TestIndices, TestWavelengthAndFastness, TestStrength,
-      TestSearches, TestSettings, TestDates, TestRefusedArguments, TestLog};
+      TestSearches, TestSettingsAndDates, TestRefusedArguments, TestLog};
   for (int i = 0; i < COUNT(tests); ++i) tests[i]();
   vq_set_message_sink(NULL, NULL);
   vq_settings_use_folder(NULL, 1);
