@@ -1,5 +1,5 @@
 // The C interface, exercised from a program compiled as C11.
-// Expected values: published data (ASTM E308 white points, Sharma-Wu-Dalal CIEDE2000 pairs,
+// Expected values: published data (ASTM E308 white points, a Sharma-Wu-Dalal CIEDE2000 pair,
 // ASTM E313-10 white points), hand calculations shown beside them, and invariants (a flat
 // spectrum scales the white point; a white has CIE whiteness Y and tint 0).
 #define _XOPEN_SOURCE 700
