@@ -88,10 +88,12 @@ static void TestTexts(void) {
              "L*|a*|b*|C*|h°");
   CHECK_TEXT(1, vq_difference_caption(VQ_DIFF_CMC, 1, cmcWeights, 3, BUF), "CMC (2:1) cf=1");
   CHECK_TEXT(0, vq_difference_total_label(VQ_DIFF_CMC, BUF), "ΔE*cmc");
+  CHECK_TEXT(0, vq_shade_descriptor(1, BUF), "Darker");
   CHECK_TEXT(0, vq_step_code_text(45, BUF), "4-5");
   CHECK_TEXT(1, vq_index_text(VQ_INDEX_WI_CIE, VQ_INDEX_TEXT_HEADING, BUF), "WI\nCIE-94");
   CHECK_TEXT(1, vq_index_mask(VQ_INDEX_WI_CIE, 0, BUF), "0000.00");
   CHECK_TEXT(0, vq_weight_unit_name(0, BUF), "Pounds");
+  CHECK_TEXT(0, vq_volume_unit_name(0, BUF), "Gallons");
   CHECK_TEXT(0, vq_strength_method_name(0, BUF), "Apparent");
   for (int u = 17; u <= 22; ++u) CHECK_INT(u, vq_is_shot_unit(u), u >= 18 && u <= 21); /* shots */
 }
@@ -99,18 +101,18 @@ static void TestTexts(void) {
 static void TestDataAndTristimulus(void) {
   // K/S of 50 %: (1 - 0.5)^2 / (2 x 0.5) = 0.25; below 0.01 % it is 9999.
   // Density of 10 %: log10(100 / 10) = 1.
-  double values[3] = {50.0, 0.001, 10.0};
+  double values[3] = {50.0, 0.001, 10.0}, table[VQ_WEIGHT_TABLE_LENGTH];
+  double spectrum[VQ_SPECTRUM_POINTS];
   CHECK_RESULTS(VQ_OK, vq_convert_refl(values, 2, VQ_REFL_KS),
                 vq_convert_refl(values + 2, 1, VQ_REFL_DENSITY));
   CHECK_REFS(0, {values[0], 0.25, 1e-15}, {values[1], 9999.0, 0.0}, {values[2], 1.0, 1e-15});
 
   // Onto the grid: two spectra of 400-700 nm at 10 nm (fractions), a flat 50 % and
   // 1 - nm / 1000, each read from its own place and repeated outward from the ends.
-  double bands[31], two[62], grids[2 * VQ_SPECTRUM_POINTS];
+  double bands[31], two[62], grids[2 * VQ_SPECTRUM_POINTS], *second = grids + VQ_SPECTRUM_POINTS;
   for (int i = 0; i < 31; ++i) two[i + 31] = 1.0 - (bands[i] = 400.0 + 10.0 * i) / 1000.0;
   for (int i = 0; i < 31; ++i) two[i] = 0.5;
   CHECK_INT(0, vq_map_to_grid(bands, 31, two, 2, 100.0, grids, BUF), VQ_OK);
-  const double* second = grids + VQ_SPECTRUM_POINTS;
   CHECK_REFS(0, {grids[4], 50.0, 1e-12}, {second[19], 45.0, 1e-12}, {second[0], 60.0, 1e-12},
              {second[VQ_SPECTRUM_POINTS - 1], 30.0, 1e-12});
   CHECK_INT(2, vq_map_to_grid(bands, 2, two, 1, 100.0, grids, BUF), VQ_ERR_FAILED);
@@ -120,7 +122,6 @@ static void TestDataAndTristimulus(void) {
   static const double kWhites[][4] = {
       {2, 0, 95.047, 108.883}, {2, 1, 94.811, 107.304}, {1, 0, 98.074, 118.232}};
   vq_xyz white, full, half, fallback;
-  double table[VQ_WEIGHT_TABLE_LENGTH], spectrum[VQ_SPECTRUM_POINTS];
   for (int i = 0; i < COUNT(kWhites); ++i) {
     CHECK_RESULTS(VQ_OK, vq_white_point((int)kWhites[i][0], (int)kWhites[i][1], &white));
     CHECK_INT(i, vq_weight_table((int)kWhites[i][0], (int)kWhites[i][1], table, 123), 123);
@@ -148,18 +149,20 @@ static void TestBatches(void) {
   enum { kCount = 130 };
   static double spectra[kCount * VQ_SPECTRUM_POINTS];
   static vq_xyz xyz[kCount], xyz2[kCount], one;
-  static vq_coords5 lab[kCount], lab2[2], oneLab;
+  static vq_coords5 lab[kCount], lab2[kCount], lab3[2], oneLab;
   for (int k = 0; k < kCount; ++k) Flat(spectra + k * VQ_SPECTRUM_POINTS, k + 1.0);
   spectra[7 * VQ_SPECTRUM_POINTS] = VQ_MISSING;
   CHECK_RESULTS(VQ_OK, vq_xyz_batch(spectra, kCount, 5, 0, xyz), vq_xyz_batch(NULL, 0, 2, 0, NULL),
-                vq_lab_batch(spectra, kCount, 5, 0, lab, xyz2));
-  CHECK_RESULTS(VQ_OK, vq_xyz_to_lab_batch(5, 0, xyz + 6, 2, lab2));
-  int mismatches = memcmp(lab2, lab + 6, sizeof lab2) != 0;
+                vq_lab_batch(spectra, kCount, 5, 0, lab, NULL),
+                vq_lab_batch(spectra, kCount, 5, 0, lab2, xyz2));
+  CHECK_RESULTS(VQ_OK, vq_xyz_to_lab_batch(5, 0, xyz + 6, 2, lab3));
+  int mismatches = memcmp(lab3, lab + 6, sizeof lab3) != 0;
   for (int k = 0; k < kCount; ++k) {
     vq_compute_xyz(spectra + k * VQ_SPECTRUM_POINTS, 5, 0, &one);
     vq_xyz_to_lab(5, 0, &one, &oneLab);
     mismatches += memcmp(&one, &xyz[k], sizeof one) || memcmp(&one, &xyz2[k], sizeof one) ||
-                  memcmp(&oneLab, &lab[k], sizeof oneLab);
+                  memcmp(&oneLab, &lab[k], sizeof oneLab) ||
+                  memcmp(&oneLab, &lab2[k], sizeof oneLab);
   }
   CHECK_REFS(0, {mismatches, 0, 0}, {vq_is_missing(lab[7].l), 1, 0});
 }
@@ -216,8 +219,7 @@ static void TestDifferences(void) {
   // same pair by hand: sqrt(23^2 + 22.5^2 + 18^2). A trial without XYZ has no CMC difference.
   vq_diff7 d, de2000, cmc;
   vq_sample standard = LabSample(50.0, 2.5, 0.0), trial = LabSample(73.0, 25.0, -18.0);
-  vq_sample noXyz = trial;
-  noXyz.xyz.x = noXyz.xyz.y = noXyz.xyz.z = VQ_MISSING;
+  vq_sample noXyz = {{VQ_MISSING, VQ_MISSING, VQ_MISSING}, {73.0, 25.0, -18.0, 0.0, 0.0}};
   CHECK_RESULTS(VQ_OK, vq_color_difference(&standard, &trial, VQ_DIFF_CIELAB, 2, 1, NULL, 0, &d),
                 vq_color_difference(&standard, &trial, VQ_DIFF_CIE2000, 2, 1, NULL, 0, &de2000));
   vq_color_difference(&standard, &noXyz, VQ_DIFF_CMC, 2, 1, NULL, 0.0, &cmc);
@@ -368,6 +370,7 @@ static void TestSettingsAndDates(void) {
   CHECK_REFS(0, {defaulted, -7, 0}, {number, 42, 0}, {running, 1, 0});
   CHECK_CUT(3, vq_settings_get_string("Test", "Name", "none", text, 8), 15, "Quality");
   CHECK_TEXT(4, vq_settings_get_string("Test", "Other", "none", BUF), "none");
+  CHECK_TEXT(1, vq_format_date(VQ_DATE_SHORT, t, BUF), "09/09/01");
   CHECK_TEXT(2, vq_format_date(VQ_DATE_TIME, t, BUF), "09/09/01 -- 01:46:40");
   CHECK_TEXT(3, vq_format_date(VQ_DATE_LONG, t, BUF), "Sunday, September 9, 2001");
   CHECK_TEXT(0, vq_format_pattern("'Batch' nnn yyyy-MM-dd", 7, t, BUF), "Batch 007 2001-09-09");
@@ -392,8 +395,10 @@ static void TestRefusedArguments(void) {
                 vq_strength(&settings, spectra, NULL, NULL, NULL, 2, 1, 0, &value, NULL),
                 vq_find_root(NULL, NULL, 0.0, 2.0, 0.0, &root),
                 vq_bracket_minimum(Polynomial, kParabola, NULL),
-                vq_settings_set_int(NULL, "Count", 1), vq_log(VQ_LOG_GENERAL, NULL));
+                vq_settings_set_int(NULL, "Count", 1), vq_log(VQ_LOG_GENERAL, NULL),
+                vq_xyz_to_rgb(2, 0, &xyz, NULL));
   CHECK_RESULTS(VQ_ERR_RANGE, vq_illuminant_text(31, VQ_ILLUMINANT_TEXT, BUF),
+                vq_illuminant_text(2, VQ_ILLUMINANT_TEXT - 1, BUF), vq_illuminant_text(2, 3, BUF),
                 vq_observer_text(2, VQ_OBSERVER_PLAIN, BUF), vq_angle_name(46, BUF),
                 vq_convert_refl(spectra, 1, 5), vq_white_point(17, 0, &xyz),
                 vq_white_point(2, 2, &xyz), vq_compute_xyz(spectra, 2, 5, &xyz),
@@ -413,15 +418,12 @@ static void TestRefusedArguments(void) {
 }
 
 
-typedef struct Captured {
-  int count, kind;
-} Captured;
-static Captured captured = {0, -1};
-
+// The message sink counts the messages through its context and keeps the last one's kind
+// (-1 if the length given is not the text's).
+static int capturedCount = 0, capturedKind = -1;
 static void CaptureMessage(void* context, int kind, const char* message, size_t length) {
-  Captured* to = (Captured*)context;
-  ++to->count;
-  to->kind = strlen(message) == length ? kind : -1;
+  ++*(int*)context;
+  capturedKind = strlen(message) == length ? kind : -1;
 }
 
 static void TestLog(void) {
@@ -442,14 +444,14 @@ static void TestLog(void) {
   text[length] = '\0';
   if (file != NULL) fclose(file);
   CHECK_REFS(0, {level, 2, 0}, {vq_log_is_on(VQ_LOG_COLOR_SENSOR), 1, 0}, {length, 15, 0},
-             {captured.count, 1, 0}, {captured.kind, VQ_MESSAGE_INFORMATION, 0});
+             {capturedCount, 1, 0}, {capturedKind, VQ_MESSAGE_INFORMATION, 0});
   CHECK_STR(1, text, "first\r\nsecond\r\n");
   // A log file beyond 1 MiB is deleted at the next write, which then fails: the file error
   // reaches C as VQ_ERR_LOG_FILE, and both channels are switched off.
   CHECK_INT(4, truncate(logFile, (1 << 20) + 1), 0);
   CHECK_INT(4, vq_log_write(2, "lost", 4), VQ_ERR_LOG_FILE);
   CHECK_REFS(4, {access(logFile, F_OK), -1, 0}, {vq_log_is_on(VQ_LOG_GENERAL), 0, 0},
-             {captured.count, 2, 0});
+             {capturedCount, 2, 0});
 }
 
 int main(void) {
@@ -463,7 +465,7 @@ int main(void) {
     perror(scratchFolder);
     return 1;
   }
-  vq_set_message_sink(CaptureMessage, &captured);
+  vq_set_message_sink(CaptureMessage, &capturedCount);
   void (*const tests[])(void) = {TestTexts, TestDataAndTristimulus, TestBatches, TestColourSpaces,
       TestDifferences, TestIndicesAndFastness, TestStrengthAndSearches, TestSettingsAndDates,
       TestRefusedArguments, TestLog};
