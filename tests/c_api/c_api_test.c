@@ -82,6 +82,7 @@ static void TestTexts(void) {
   const char* cmcWeights[] = {"2", "1", "1"};
   CHECK_TEXT(0, vq_illuminant_text(2, VQ_ILLUMINANT_CODE, BUF), "D65");
   CHECK_TEXT(0, vq_observer_text(1, VQ_OBSERVER_SLASH, BUF), "/10°");
+  CHECK_TEXT(0, vq_angle_name(0, BUF), "d8");
   CHECK_TEXT(1, vq_angle_filter(16, BUF),
              "((Angle BETWEEN 0 AND 3 OR Angle = 8) OR Angle = 16 OR Angle = 12)");
   CHECK_TEXT(1, vq_difference_text(VQ_DIFF_CIELAB, VQ_DIFF_TEXT_VALUE_COLUMNS, BUF),
@@ -102,7 +103,6 @@ static void TestDataAndTristimulus(void) {
   // K/S of 50 %: (1 - 0.5)^2 / (2 x 0.5) = 0.25; below 0.01 % it is 9999.
   // Density of 10 %: log10(100 / 10) = 1.
   double values[3] = {50.0, 0.001, 10.0}, table[VQ_WEIGHT_TABLE_LENGTH];
-  double spectrum[VQ_SPECTRUM_POINTS];
   CHECK_RESULTS(VQ_OK, vq_convert_refl(values, 2, VQ_REFL_KS),
                 vq_convert_refl(values + 2, 1, VQ_REFL_DENSITY));
   CHECK_REFS(0, {values[0], 0.25, 1e-15}, {values[1], 9999.0, 0.0}, {values[2], 1.0, 1e-15});
@@ -132,11 +132,11 @@ static void TestDataAndTristimulus(void) {
   // A flat 50 % spectrum gives exactly half of the 100 % one (halving is exact in binary),
   // and the 100 % one the white point within the tables' rounding. An illuminant without a
   // table falls back to D65.
-  Flat(spectrum, 100.0);
-  CHECK_INT(0, vq_compute_xyz(spectrum, 2, 1, &full), VQ_OK);
-  Flat(spectrum, 50.0);
-  CHECK_RESULTS(VQ_OK, vq_compute_xyz(spectrum, 2, 1, &half), vq_white_point(2, 1, &white));
-  CHECK_INT(2, vq_compute_xyz(spectrum, 20, 1, &fallback), VQ_FALLBACK);
+  Flat(grids, 100.0);
+  CHECK_INT(0, vq_compute_xyz(grids, 2, 1, &full), VQ_OK);
+  Flat(grids, 50.0);
+  CHECK_RESULTS(VQ_OK, vq_compute_xyz(grids, 2, 1, &half), vq_white_point(2, 1, &white));
+  CHECK_INT(2, vq_compute_xyz(grids, 20, 1, &fallback), VQ_FALLBACK);
   CHECK_REFS(0, {full.x, white.x, 0.025}, {full.y, 100.0, 0.005}, {full.z, white.z, 0.025},
              {half.x, 0.5 * full.x, 0.0}, {half.y, 0.5 * full.y, 0.0},
              {half.z, 0.5 * full.z, 0.0}, {fallback.y, half.y, 0.0});
@@ -281,18 +281,19 @@ static void TestIndicesAndFastness(void) {
   // ASTM D1925 of (80, 85, 90) under C / 2 degree: 100 (1.28 x 80 - 1.06 x 90) / 85.
   vq_xyz white, sample[2] = {{80.0, 85.0, 90.0}, {VQ_MISSING, VQ_MISSING, VQ_MISSING}};
   const double ganz[4] = {1.0, 0.0, 0.0, 0.0};
-  double wi, tint, rz, rx, ganzWi, xn, yn, yi[2];
+  double wi, tint, rz, rx, ganzWi, e313, xn, yn, yi[2];
   vq_white_point(2, 1, &white);
   CHECK_RESULTS(VQ_OK, vq_index(VQ_INDEX_WI_CIE, 2, 1, &white, NULL, &wi),
                 vq_index(VQ_INDEX_TINT_CIE, 2, 1, &white, NULL, &tint),
                 vq_index(VQ_INDEX_FILTER_RZ, 2, 1, &white, NULL, &rz),
                 vq_index(VQ_INDEX_FILTER_RX, 2, 1, &white, NULL, &rx),
                 vq_index(VQ_INDEX_WI_GANZ, 2, 1, &white, ganz, &ganzWi),
-                vq_e313_white_point(2, 0, &xn, &yn),
+                vq_e313_white_point(2, 0, &xn, &yn), /* E313-73 is for C / 2 degree only */
+                vq_index(VQ_INDEX_WI_E313_73, 2, 1, &white, NULL, &e313),
                 vq_index_batch(VQ_INDEX_YI_D1925, 1, 0, sample, 2, NULL, yi));
   CHECK_REFS(0, {wi, white.y, 1e-9}, {tint, 0.0, 1e-9}, {rz, 100.0, 1e-9}, {rx, 100.0, 1e-9},
              {ganzWi, white.y, 1e-12}, {xn, 0.3127, 0.0}, {yn, 0.3290, 0.0},
-             {yi[0], 700.0 / 85.0, 1e-12}, {vq_is_missing(yi[1]), 1, 0});
+             {yi[0], 700.0 / 85.0, 1e-12}, {vq_is_missing(yi[1]) + vq_is_missing(e313), 2, 0});
 
   // Half way from the D65 / 2 degree white to the library's 2 degree locus point at 580 nm,
   // (0.5124, 0.4867): 580 nm at purity 50 %.
@@ -459,8 +460,7 @@ int main(void) {
   setenv("TZ", "UTC0", 1);
   setenv("LC_ALL", "C", 1);
   tzset();
-  const char* temp = getenv("TMPDIR");
-  snprintf(scratchFolder, sizeof scratchFolder, "%s/vq_c_api_XXXXXX", temp ? temp : "/tmp");
+  snprintf(scratchFolder, sizeof scratchFolder, "%s/vq_c_api_XXXXXX", P_tmpdir);
   if (mkdtemp(scratchFolder) == NULL) {
     perror(scratchFolder);
     return 1;

@@ -64,7 +64,7 @@ TEST(SpectralArithmetic, ScalarOperationsLeaveMissingAloneAndClampTestsLowFirst)
   curve.Scale(2.0);
   EXPECT_EQ(curve[39], 80.0);
   curve.DivideBy(4.0);
-  EXPECT_TRUE(curve[39] == 20.0 && curve[3] == 1e-05);
+  EXPECT_TRUE(curve[0] == 0.5 && curve[39] == 20.0 && curve[3] == 1e-05);
   curve = Ramp(-5.0);  // -5 .. 34
   curve[1] = std::numeric_limits<double>::quiet_NaN();
   curve.Clamp(0.0, 20.0);
