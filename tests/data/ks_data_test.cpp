@@ -40,8 +40,9 @@ CKSData Ramp(double start) {
 
 TEST(SpectralArithmetic, MissingPointsPropagateThroughBinaryOperations) {
   using Op = void (CKSData::*)(const CKSData&);
-  const std::pair<Op, double> ops[] = {{&CKSData::Add, 7.0 + 8.0}, {&CKSData::Subtract, 7.0 - 8.0},
-                                       {&CKSData::Multiply, 7.0 * 8.0}, {&CKSData::Divide, 7.0 / 8.0}};
+  // Point 6 of the ramps: 7 and 8.
+  const std::pair<Op, double> ops[] = {{&CKSData::Add, 15.0}, {&CKSData::Subtract, -1.0},
+                                       {&CKSData::Multiply, 56.0}, {&CKSData::Divide, 0.875}};
   for (const auto& [op, expected] : ops) {
     CKSData a = Ramp(1.0), b = Ramp(2.0);
     a[0] = kMissing;
