@@ -13,50 +13,20 @@ namespace {
 
 using namespace tristimulus_index_testing;
 
-// A sample with no blue content.
-constexpr double kNoBlue[3] = {50.0, 40.0, 0.0};
-
-TEST(FilterValues, MatchHandCalculation) {
-  struct Case {
-    int illuminant, observer;
-    const double* sample;
-    double rz, rx;
-  };
-  const Case cases[] = {
-      // C/2 S1: Rz = 10800 / 118.232 = 91.3458285;
-      //   Rx = (8600 / 98.074 - 0.202 x 91.3458285) x 1.2531328 = (87.6888880 - 18.4518574) x ...
+TEST(FilterValues, HandCalculationsPerfectWhitesAndMissingTriples) {
+  constexpr double kNoBlue[3] = {50.0, 40.0, 0.0};
+  const struct { int illuminant, observer; const double* sample; double rz, rx; } cases[] = {
+      // C/2 S1: Rz = 10800 / 118.232; Rx = (8600 / 98.074 - 0.202 Rz) x 1.2531328
       {kC, 0, kS1, 91.345828540496651, 86.763196262360231},
-      // C/2 S2: Rz = 7000 / 118.232 = 59.2056296;  Rx = (81.5710586 - 11.9595372) x 1.2531328
-      {kC, 0, kS2, 59.205629609581162, 87.232482966513071},
-      // D65/10 S1: Rz = 10800 / 107.304 = 100.6486245;  Rx = (90.7067745 - 20.3310221) x 1.2531328
-      {kD65, 1, kS1, 100.64862446879893, 88.190165899353518},
-      // D65/10 S2: Rz = 7000 / 107.304 = 65.2352196;  Rx = (84.3783949 - 13.1775144) x 1.2531328
+      // D65/10 S2: Rz = 7000 / 107.304 = 65.2352196; Rx = (84.3783949 - 13.1775144) x 1.2531328
       {kD65, 1, kS2, 65.235219563110415, 89.224161103050723},
-      // Z = 0 under C/2: Rz = 0, Rx = 5000 / 98.074 x 1.2531328 = 50.9819116 x 1.2531328
-      {kC, 0, kNoBlue, 0.0, 63.887107290423578},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.illuminant << "/" << c.observer << " " << c.sample[0]);
-    const CValueVector3 xyz = Sample(c.sample[0], c.sample[1], c.sample[2]);
-    ExpectClose(FilterValueRz(c.illuminant, c.observer, xyz), c.rz);
-    ExpectClose(FilterValueRx(c.illuminant, c.observer, xyz), c.rx);
+      // Z = 0 under C/2: Rz = 0, Rx = 5000 / 98.074 x 1.2531328
+      {kC, 0, kNoBlue, 0.0, 63.887107290423578}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.sample[0]);
+    ExpectClose(FilterValueRz(c.illuminant, c.observer, Sample(c.sample)), c.rz);
+    ExpectClose(FilterValueRx(c.illuminant, c.observer, Sample(c.sample)), c.rx);
   }
-}
-
-// The perfect white of every pair: Rz = 100 and Rx = (100 - 20.2) / 0.798 = 100.
-TEST(FilterValues, PerfectWhiteOfEveryPairGivesHundred) {
-  for (int illuminant = 0; illuminant < 17; ++illuminant) {
-    for (int observer : {0, 1}) {
-      SCOPED_TRACE(testing::Message() << illuminant << "/" << observer);
-      CValueVector3 white;
-      ASSERT_EQ(GetWhitePoint(illuminant, observer, white), 1);
-      ExpectClose(FilterValueRz(illuminant, observer, white), 100.0);
-      ExpectClose(FilterValueRx(illuminant, observer, white), 100.0);
-    }
-  }
-}
-
-TEST(FilterValues, MissingSampleGivesMissing) {
   CValueVector3 empty;
   empty.SetSize(0);
   for (const CValueVector3& xyz : {Sample(kMissing, kMissing, kMissing), empty}) {
@@ -65,6 +35,15 @@ TEST(FilterValues, MissingSampleGivesMissing) {
   }
   // Only the whole triple counts: a missing Y alone leaves Rz = 100 x 108 / 118.232.
   ExpectClose(FilterValueRz(kC, 0, Sample(86.0, kMissing, 108.0)), 91.345828540496651);
+  // The perfect white of every pair: Rz = 100 and Rx = (100 - 20.2) / 0.798 = 100.
+  for (int illuminant = 0; illuminant < 17; ++illuminant) {
+    for (int observer : {0, 1}) {
+      CValueVector3 white;
+      ASSERT_EQ(GetWhitePoint(illuminant, observer, white), 1);
+      ExpectClose(FilterValueRz(illuminant, observer, white), 100.0);
+      ExpectClose(FilterValueRx(illuminant, observer, white), 100.0);
+    }
+  }
 }
 
 }  // namespace
