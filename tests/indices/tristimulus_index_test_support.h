@@ -26,6 +26,7 @@ inline CValueVector3 Sample(double x, double y, double z) {
   xyz[0] = x, xyz[1] = y, xyz[2] = z;
   return xyz;
 }
+inline CValueVector3 Sample(const double* xyz) { return Sample(xyz[0], xyz[1], xyz[2]); }
 
 // A bluish and a slightly yellow paper white, the samples of the reference tables.
 inline constexpr double kS1[3] = {86.0, 90.0, 108.0};
