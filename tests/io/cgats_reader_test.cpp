@@ -43,6 +43,12 @@ TEST(CgatsReader, ReadsHeaderFormatAndSamples) {
   EXPECT_EQ(file.samples[1].values, (std::vector<double>{11, 21, 31.25}));
   EXPECT_EQ(file.samples[1].fields, (std::vector<std::string>{"A2", "two", "56"}));
   EXPECT_TRUE(file.scale == ReflectanceScale::kPercent && file.notes.empty());
+  // Only the first significant line can be the identifier: a later lone word is a keyword.
+  std::string lone = Cgats("S1 a 1 2 3\nS2 b 4 5 6\nEND_DATA\n");
+  lone.insert(std::string("CGATS.17\n").size(), "LONE\n");
+  MeasurementFile loneFile;
+  ASSERT_TRUE(ParseCgats(lone, "lone", {}, loneFile).ok);
+  EXPECT_EQ(loneFile.identifier + " " + loneFile.keywords.at(0).name, "CGATS.17 LONE");
 }
 
 TEST(MeasurementFiles, BadInputIsRefusedWithFileAndLine) {
@@ -157,9 +163,11 @@ TEST(CgatsReader, MissingValuesAndTrailingContentAreNoted) {
 TEST(CgatsWriter, RoundTripKeepsKeywordsColumnsAndMissingValues) {
   MeasurementFile first, second;
   ASSERT_TRUE(ReadCgatsFile(DataFile("other_columns.ti3"), {}, first).ok);
+  first.samples.at(0).fields.at(0) = "1,5";  // a number only with a decimal comma: text
   std::string written;
   ASSERT_TRUE(FormatCgats(first, {}, written));
   EXPECT_NE(written.find("\t50.5\t"), std::string::npos) << written;  // numbers unquoted
+  EXPECT_NE(written.find("\"1,5\""), std::string::npos) << written;
   const MeasurementStatus status = ParseCgats(written, "out.ti3", {}, second);
   ASSERT_TRUE(status.ok) << status.error.Message() << "\n" << written;
   const auto summary = [](const MeasurementFile& f) {
