@@ -90,6 +90,7 @@ TEST(BracketMinimum, WalksParabolicAndGoldenStepsWithinTheBound) {
       {"parabola", kWalk, Parabola(2), 0, 0.5, 0, 1, 5, c1, 2, c2, 1},
       {"start away from 0: b + g (b - a)", kWalk, Parabola(3), 1, 1.5, 0, 1, 5, c1 + 1, 3, c2 + 1, 1},
       {"uphill start seeks the maximum", kWalk, Parabola(2, 0, -1), 0, 0.5, 0, 1, 5, c1, 2, c2, -1},
+      {"level start is not turned", kWalk, Parabola(1), 0, 2, 0, 1, 3, 0, 2, 2 + 2 * kG, 1},
       {"sign change ignored", kWalk, Parabola(3, -1), 0, 0.5, 0, 1, 5, c1, c2, c2 + kG * (c2 - c1), 1},
       {"parabolic point below f(c)", kWalk, Steps(0), 0, 1, 0, 1, 4, 1, (1 + c) / 2, c, 1},
       {"parabolic point above f(b)", kWalk, Steps(5), 0, 1, 0, 1, 4, 0, 1, (1 + c) / 2, 1},
