@@ -143,6 +143,7 @@ TEST(SpectralGridMapping, MissingValuesReachOnlyThePointsThatUseThem) {
   } kCases[] = {
       {Range(380.0, 5.0, 780.0), {400, 405}, {400}},
       {Range(300.0, 20.0, 800.0), {400}, {370, 390, 400, 410, 430, 450}},
+      {Range(300.0, 20.0, 800.0), {300}, {}},  // the first band feeds no grid point
   };
   for (const auto& c : kCases) {
     const auto in = [](const std::vector<double>& set, double nm) { return std::count(set.begin(), set.end(), nm) > 0; };
