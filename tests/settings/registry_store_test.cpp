@@ -1,6 +1,7 @@
 #include "velquor/settings/registry_store.h"
 
 #include <gtest/gtest.h>
+#include <pwd.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -226,6 +227,10 @@ TEST(SettingsStore, EnvironmentChoosesTheRoot) {
     set(kSettingsHomeVariable, settingsHome);
     set("XDG_CONFIG_HOME", configHome);
     EXPECT_EQ(DefaultSettingsRoot(), fs::path(root));
+  }
+  set("HOME", nullptr);  // then the user's home folder comes from the password database
+  if (const passwd* user = ::getpwuid(::geteuid()); user != nullptr) {
+    EXPECT_EQ(DefaultSettingsRoot(), fs::path(user->pw_dir) / ".config/velquor/registry");
   }
   // The default store follows the variable at every opening.
   const Store scratch;
