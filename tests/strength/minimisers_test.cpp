@@ -213,7 +213,7 @@ TEST(SearchOrRoot, HandsASignChangeToTheRootFinder) {
       // Brent's first point, 2.32, gives NaN: the root finder fails, the vector is unchanged.
       {kWalkOrRoot, [](double x) { return x <= 1.5 || x > 2.6 ? (x - 3) * (x - 3) - 1 : kNaN; }, 0.5, 7, 3, 5, 0},
       // f(a) = 0 exactly is no sign change: the walk runs on until it gives up.
-      {kWalkOrRoot, [](double x) { return -x; }, 1, 0, 0, 0, 0},
+      {kWalkOrRoot, [](double x) { return x == 0 ? 0.0 : -x; }, 1, 0, 0, 0, 0},
       {kGoldenOrRoot, Parabola(1, -0.25), kB, 2, 2, 11, 1.5}, {kGoldenOrRoot, Parabola(1, 0.25, -1), kB, 2, 2, 11, 1.5}};  // uphill, on -f
   for (const auto& k : cases) {
     SCOPED_TRACE(::testing::Message() << "root " << k.root << ", kind " << k.kind);
