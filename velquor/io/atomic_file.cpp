@@ -34,16 +34,16 @@ AtomicFile::~AtomicFile() { Discard(); }
 bool AtomicFile::Open(std::string& error) noexcept {
   try {
     Discard();
+    int reason = 0;
     failed_ = false;
     writeError_ = 0;
     for (int attempt = 0; attempt < kNameAttempts; ++attempt) {
       temporaryPath_ = TemporaryName(path_, attempt);
-      // "x": fail rather than open a file that already exists.
-      file_ = std::fopen(temporaryPath_.c_str(), "wbx");
+      file_ = atomic_file_platform::CreateNewFile(temporaryPath_, reason);
       if (file_ != nullptr) return true;
-      if (errno != EEXIST) break;
+      if (reason != EEXIST) break;
     }
-    error = std::strerror(errno);
+    error = std::strerror(reason);
   } catch (...) {
     error = std::strerror(ENOMEM);
   }

@@ -1,7 +1,8 @@
 // The operating-system calls behind AtomicFile (atomic_file.h), one small seam so that the
 // portable code calls no platform directly: atomic_file_platform_posix.cpp implements it for
-// POSIX systems, and a _windows.cpp beside it would implement it for Windows. CMake compiles
-// the one that matches the build platform.
+// POSIX systems, atomic_file_platform_windows.cpp for Windows. CMake compiles the one that
+// matches the build platform. Failures are reported as errno values on both platforms, so the
+// portable code describes them with std::strerror.
 #pragma once
 
 #include <cstdio>
@@ -13,10 +14,15 @@ namespace velquor::atomic_file_platform {
 // process id), used in temporary names.
 unsigned long long ProcessNumber() noexcept;
 
-// Pushes the file's written data to the storage device (fsync): 0, or the system's error code.
+// Creates `path` for binary writing, failing with EEXIST if anything already exists there
+// (never opening or truncating an existing file): the open file, or nullptr with the errno
+// value in `error`.
+std::FILE* CreateNewFile(const std::string& path, int& error) noexcept;
+
+// Pushes the file's written data to the storage device: 0, or an errno value.
 int SyncFile(std::FILE* file) noexcept;
 
-// Renames `from` over `to`, replacing `to` in one step: 0, or the system's error code.
+// Renames `from` over `to`, replacing `to` in one step: 0, or an errno value.
 int ReplaceFile(const std::string& from, const std::string& to) noexcept;
 
 // Makes a rename inside the folder that holds `path` durable by flushing the folder itself;

@@ -11,6 +11,13 @@ namespace velquor::atomic_file_platform {
 
 unsigned long long ProcessNumber() noexcept { return static_cast<unsigned long long>(::getpid()); }
 
+std::FILE* CreateNewFile(const std::string& path, int& error) noexcept {
+  // "x": fail rather than open a file that already exists.
+  std::FILE* file = std::fopen(path.c_str(), "wbx");
+  error = file != nullptr ? 0 : errno;
+  return file;
+}
+
 int SyncFile(std::FILE* file) noexcept { return ::fsync(::fileno(file)) == 0 ? 0 : errno; }
 
 int ReplaceFile(const std::string& from, const std::string& to) noexcept {
