@@ -4,6 +4,8 @@
 #include <mutex>
 #include <utility>
 
+#include "velquor/frame/message_box_platform.h"
+
 namespace velquor {
 
 namespace {
@@ -18,12 +20,12 @@ MessageSink& CurrentSink() {
   return sink;
 }
 
-void WriteToStandardError(MessageKind kind, std::string_view text) {
-  std::fprintf(stderr, "velquor %s: %.*s\n", MessageKindName(kind), static_cast<int>(text.size()),
-               text.data());
-}
-
 }  // namespace
+
+void WriteMessageToStandardError(MessageKind kind, std::string_view text) {
+  std::fprintf(stderr, "%s %s: %.*s\n", kMessageCaption, MessageKindName(kind),
+               static_cast<int>(text.size()), text.data());
+}
 
 const char* MessageKindName(MessageKind kind) {
   switch (kind) {
@@ -47,7 +49,7 @@ void ShowMessage(MessageKind kind, std::string_view text) {
   if (CurrentSink()) {
     CurrentSink()(kind, text);
   } else {
-    WriteToStandardError(kind, text);
+    message_box_platform::ShowDefaultMessage(kind, text);
   }
 }
 
