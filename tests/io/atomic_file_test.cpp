@@ -3,12 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <vector>
 
+#include "velquor/io/atomic_file_platform.h"
 #include "velquor/io/cgats_writer.h"
 #include "velquor/io/csv_spectra.h"
 #include "velquor/io/measurement_io.h"
@@ -56,6 +59,23 @@ TEST_F(AtomicFileTest, AbandonedWriteLeavesTheOldFileAndNoPartialFile) {
   }
   EXPECT_EQ(Content(target), "complete old report\n");
   EXPECT_EQ(Entries(), (std::vector<std::string>{"report.csv"}));
+}
+
+// A temporary name that is taken is never opened: its file keeps its content, and a new name
+// is created empty.
+TEST_F(AtomicFileTest, NewFilesAreCreatedOnlyWhereNothingExists) {
+  const fs::path taken = folder_ / "taken.tmp", fresh = folder_ / "fresh.tmp";
+  std::ofstream(taken, std::ios::binary) << "another writer's bytes";
+  int error = 0;
+  EXPECT_EQ(atomic_file_platform::CreateNewFile(taken.string(), error), nullptr);
+  EXPECT_EQ(error, EEXIST);
+  EXPECT_EQ(Content(taken), "another writer's bytes");
+  std::FILE* file = atomic_file_platform::CreateNewFile(fresh.string(), error);
+  ASSERT_NE(file, nullptr);
+  EXPECT_EQ(error, 0);
+  EXPECT_EQ(std::fwrite("a\nb", 1, 3, file), 3u);
+  std::fclose(file);
+  EXPECT_EQ(Content(fresh), "a\nb");  // binary: no CR added
 }
 
 // The final rename fails (the target is a folder): the temporary file is removed.
