@@ -81,7 +81,7 @@ bool AtomicFile::Commit(std::string& error) noexcept {
   }
   file_ = nullptr;
   if (ok) {
-    reason = atomic_file_platform::ReplaceFile(temporaryPath_, path_);
+    reason = atomic_file_platform::ReplaceTarget(temporaryPath_, path_);
     ok = reason == 0;
   }
   if (!ok) {

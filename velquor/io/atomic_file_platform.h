@@ -23,7 +23,7 @@ std::FILE* CreateNewFile(const std::string& path, int& error) noexcept;
 int SyncFile(std::FILE* file) noexcept;
 
 // Renames `from` over `to`, replacing `to` in one step: 0, or an errno value.
-int ReplaceFile(const std::string& from, const std::string& to) noexcept;
+int ReplaceTarget(const std::string& from, const std::string& to) noexcept;
 
 // Makes a rename inside the folder that holds `path` durable by flushing the folder itself;
 // best effort, failures are ignored (the rename already happened).

@@ -20,7 +20,7 @@ std::FILE* CreateNewFile(const std::string& path, int& error) noexcept {
 
 int SyncFile(std::FILE* file) noexcept { return ::fsync(::fileno(file)) == 0 ? 0 : errno; }
 
-int ReplaceFile(const std::string& from, const std::string& to) noexcept {
+int ReplaceTarget(const std::string& from, const std::string& to) noexcept {
   // rename(2) replaces an existing target atomically.
   return std::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
 }

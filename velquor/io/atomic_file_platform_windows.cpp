@@ -74,7 +74,7 @@ std::FILE* CreateNewFile(const std::string& path, int& error) noexcept {
 
 int SyncFile(std::FILE* file) noexcept { return ::_commit(::_fileno(file)) == 0 ? 0 : errno; }
 
-int ReplaceFile(const std::string& from, const std::string& to) noexcept {
+int ReplaceTarget(const std::string& from, const std::string& to) noexcept {
   // Write-through: the call returns only once the move is on the disk.
   return ::MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)
              ? 0
@@ -83,7 +83,7 @@ int ReplaceFile(const std::string& from, const std::string& to) noexcept {
 
 void SyncFolderOf(const std::string&) noexcept {
   // Nothing to do: Windows cannot open a folder to flush it, and MOVEFILE_WRITE_THROUGH has
-  // already made the rename durable before ReplaceFile returned.
+  // already made the rename durable before ReplaceTarget returned.
 }
 
 }  // namespace velquor::atomic_file_platform
