@@ -1,6 +1,4 @@
 // The bridges on arrays made by oleaut32 itself, as automation clients make them.
-#ifdef _WIN32  // oleaut32 only; the file compiles to nothing elsewhere
-
 #include "velquor/automation/safe_array_bridge.h"
 
 #include <gtest/gtest.h>
@@ -69,5 +67,3 @@ TEST(AutomationWindows, FixedSizeArrayIsReadButNotResized) {
 
 }  // namespace
 }  // namespace velquor
-
-#endif  // _WIN32
