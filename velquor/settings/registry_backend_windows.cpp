@@ -6,10 +6,13 @@
 #include <cstdint>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace velquor {
 
 namespace {
+
+constexpr unsigned char kNotATerminator = 0xFF;
 
 class RegistryKey final : public SettingsKey {
  public:
@@ -59,7 +62,12 @@ class RegistryKey final : public SettingsKey {
 
   bool SetValue(std::string_view name, std::uint32_t type,
                 std::span<const unsigned char> data) override {
-    return ::RegSetValueExA(key_, std::string(name).c_str(), 0, type, data.data(),
+    // RegSetValueExA adds a terminating zero to string data whose last byte is not zero when
+    // the byte after it in memory is zero. The data goes from a copy followed by a non-zero
+    // byte, so that exactly the given bytes are stored (a string without its zero stays so).
+    std::vector<unsigned char> bytes(data.begin(), data.end());
+    bytes.push_back(kNotATerminator);
+    return ::RegSetValueExA(key_, std::string(name).c_str(), 0, type, bytes.data(),
                             static_cast<DWORD>(data.size())) == ERROR_SUCCESS;
   }
 
