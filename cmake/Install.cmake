@@ -25,3 +25,8 @@ install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DATAROOT
 
 configure_file(${PROJECT_SOURCE_DIR}/cmake/velquor.pc.in ${PROJECT_BINARY_DIR}/velquor.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/velquor.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+if(WIN32)
+  # The module-definition file, for hosts that make their own import library (lib /def).
+  install(FILES ${PROJECT_BINARY_DIR}/velquor/velquor.def DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endif()

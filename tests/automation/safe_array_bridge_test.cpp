@@ -22,34 +22,40 @@ namespace {
 // Destroys the array even when a test left it locked on purpose.
 using ArrayPtr = std::unique_ptr<SAFEARRAY, void (*)(SAFEARRAY*)>;
 ArrayPtr Owned(SAFEARRAY* psa) {
-  return ArrayPtr(psa, [](SAFEARRAY* p) { SafeArrayDestroy((p->cLocks = 0, p)); });
+  return ArrayPtr(psa, [](SAFEARRAY* p) { ole::SafeArrayDestroy((p->cLocks = 0, p)); });
 }
 
 using Strings = std::vector<std::string>;
 
-// A safe array (a vector, or a matrix of `elements.size()` x 3) whose first elements are
-// `elements`: texts ("-" leaves a null BSTR) or integer images.
+// A safe array (a vector, or a matrix of `elements.size()` x 3) whose first elements in memory
+// are `elements`: texts ("-" leaves a null BSTR) or integer images.
 ArrayPtr Make(VARTYPE vt, const Strings& elements, LONG lowerBound = 0, UINT dims = 1) {
   const SAFEARRAYBOUND bounds[2] = {{static_cast<ULONG>(elements.size()), lowerBound}, {3, 0}};
-  ArrayPtr psa = Owned(SafeArrayCreate(vt, dims, bounds));
+  ArrayPtr psa = Owned(ole::SafeArrayCreate(vt, dims, bounds));
   for (std::size_t i = 0; i < elements.size(); ++i) {
+    auto* element = static_cast<char*>(psa->pvData) + i * psa->cbElements;
     const std::int64_t image = vt == VT_BSTR ? 0 : std::stoll(elements[i]);
-    const std::u16string text = Utf8ToUtf16(elements[i]);
-    if (vt != VT_BSTR) std::memcpy(static_cast<char*>(psa->pvData) + i * psa->cbElements, &image, psa->cbElements);
-    if (vt == VT_BSTR && elements[i] != "-") static_cast<BSTR*>(psa->pvData)[i] = SysAllocStringLen(text.data(), UINT(text.size()));
+    if (vt != VT_BSTR) std::memcpy(element, &image, psa->cbElements);
+    const BSTR text = vt == VT_BSTR && elements[i] != "-" ? ole::AllocBstr(Utf8ToUtf16(elements[i])) : nullptr;
+    if (text != nullptr) std::memcpy(element, &text, sizeof text);
   }
   return psa;
 }
 
-// The elements of a safe array (integer images; "-" for a null BSTR) or a library array.
-Strings Contents(SAFEARRAY* psa) {
+// The first elements in memory of a safe array, as many as its first dimension counts (integer
+// images; "-" for a null BSTR), or of a library array.
+Strings Contents(SAFEARRAY* psa, VARTYPE vt) {
+  LONG lower = 0, upper = -1;
+  EXPECT_EQ(ole::SafeArrayGetLBound(psa, 1, &lower), S_OK);
+  EXPECT_EQ(ole::SafeArrayGetUBound(psa, 1, &upper), S_OK);
   Strings result;
-  for (std::size_t i = 0; i < psa->rgsabound[0].cElements; ++i) {
-    const BSTR text = psa->vt == VT_BSTR ? static_cast<BSTR*>(psa->pvData)[i] : nullptr;
+  for (LONG i = 0; i <= upper - lower; ++i) {
+    const char* element = static_cast<const char*>(psa->pvData) + i * psa->cbElements;
+    BSTR text = nullptr;
     std::uint64_t image = 0;
-    if (psa->vt != VT_BSTR) std::memcpy(&image, static_cast<char*>(psa->pvData) + i * psa->cbElements, psa->cbElements);
-    result.push_back(text ? Utf16ToUtf8(std::u16string_view(text, SysStringLen(text)))
-                          : psa->vt == VT_BSTR ? "-" : psa->vt == VT_I4 ? std::to_string(std::int32_t(image)) : std::to_string(image));
+    std::memcpy(vt == VT_BSTR ? static_cast<void*>(&text) : &image, element, psa->cbElements);
+    result.push_back(vt != VT_BSTR ? vt == VT_I4 ? std::to_string(std::int32_t(image)) : std::to_string(image)
+                     : text ? Utf16ToUtf8(ole::BstrText(text)) : "-");
   }
   return result;
 }
@@ -72,8 +78,8 @@ Strings Split(const std::string& text) {
 }
 
 // Makes the n-th (1-based) call of one kind fail; 0 never fails.
-void FailNth(AutomationCall call, int failAt) {
-  SetAutomationFaultHook([call, failAt, calls = 0](AutomationCall c, const SAFEARRAY*, LONG) mutable {
+void FailNth(ole::AutomationCall call, int failAt) {
+  ole::SetAutomationFaultHook([call, failAt, calls = 0](ole::AutomationCall c, const SAFEARRAY*, LONG) mutable {
     return c == call && ++calls == failAt ? E_FAIL : S_OK;
   });
 }
@@ -86,9 +92,9 @@ TEST(StringBridge, StoreThenLoadConvertsUtf8AndUtf16) {
   ArrayPtr psa = Make(VT_BSTR, {"old 1", "old 2", "old 3", "old 4", "old 5", "old 6"}, 5);
   SAFEARRAY* raw = psa.get();
   ASSERT_EQ(StoreToSafeArray(source, &raw), S_OK);
-  EXPECT_EQ(std::u16string(static_cast<BSTR*>(raw->pvData)[2]), (std::u16string{0x00E4, 0x20AC, 0xD83D, 0xDE00}));
+  EXPECT_EQ(ole::BstrText(static_cast<BSTR*>(raw->pvData)[2]), (std::u16string{0x00E4, 0x20AC, 0xD83D, 0xDE00}));
   const Strings expected = {"", "Gelb", emoji, "a\xEF\xBF\xBD", "x"};
-  EXPECT_EQ(Contents(raw), expected);
+  EXPECT_EQ(Contents(raw, VT_BSTR), expected);
   CStringArray loaded;
   ASSERT_EQ(LoadFromSafeArray(loaded, &raw), S_OK);
   EXPECT_EQ(Contents(loaded), expected);
@@ -112,7 +118,8 @@ TEST(Bridges, LoadsAndStoresRefuseBadArraysAndKeepWhatWasDoneBeforeAFault) {
     SCOPED_TRACE(row.Where());
     ArrayPtr psa = Make(types.at(row.Text("vt")), Split(row.Text("safe_array")), row.Integer("lower_bound"),
                         static_cast<UINT>(row.Integer("dims")));
-    psa->fFeatures |= static_cast<USHORT>(row.Integer("features"));
+    const auto features = static_cast<USHORT>(row.Integer("features"));
+    psa->fFeatures |= features;
     CStringArray texts;
     CValueArray doubles;
     CDWordArray dwords;
@@ -128,11 +135,11 @@ TEST(Bridges, LoadsAndStoresRefuseBadArraysAndKeepWhatWasDoneBeforeAFault) {
     const bool load = row.Text("op") == "load";
     SAFEARRAY* raw = psa.get();
     const auto call = [&](auto& array) { return load ? LoadFromSafeArray(array, &raw) : StoreToSafeArray(array, &raw); };
-    FailNth(AutomationCall(std::find(calls.begin(), calls.end(), row.Text("call")) - calls.begin()), row.Integer("fail_at"));
+    FailNth(ole::AutomationCall(std::find(calls.begin(), calls.end(), row.Text("call")) - calls.begin()), row.Integer("fail_at"));
     const HRESULT hr = kind == "strings" ? call(texts) : kind == "doubles" ? call(doubles) : kind == "dwords" ? call(dwords) : call(uints);
-    SetAutomationFaultHook({});
+    ole::SetAutomationFaultHook({});
     EXPECT_EQ(hr, results.at(row.Text("result")));
-    const Strings after = !load ? Contents(raw)
+    const Strings after = !load ? Contents(raw, types.at(row.Text("vt")))
                           : kind == "strings" ? Contents(texts) : kind == "doubles" ? Contents(doubles)
                           : kind == "dwords"  ? Contents(dwords) : Contents(uints);
     EXPECT_EQ(after, Split(row.Text("after")));
@@ -140,6 +147,7 @@ TEST(Bridges, LoadsAndStoresRefuseBadArraysAndKeepWhatWasDoneBeforeAFault) {
     if (!load && hr == S_OK) {
       EXPECT_EQ(psa->rgsabound[0].lLbound, 0);
     }
+    psa->fFeatures &= static_cast<USHORT>(~features);  // destroyed as created
   }
 }
 

@@ -9,7 +9,35 @@
 #include <stdlib.h>
 #include <string.h>
 #include <time.h>
+
+#ifdef _WIN32
+/* The few POSIX calls the test makes, on the Microsoft C run-time. */
+#include <direct.h>
+#include <fcntl.h>
+#include <io.h>
+#define F_OK 0
+#define access _access
+static int setenv(const char* name, const char* value, int overwrite) {
+  (void)overwrite;
+  return _putenv_s(name, value);
+}
+static char* mkdtemp(char* pattern) {
+  return _mktemp(pattern) != NULL && _mkdir(pattern) == 0 ? pattern : NULL;
+}
+static int truncate(const char* path, long long length) {
+  const int file = _open(path, _O_RDWR | _O_BINARY);
+  if (file < 0) return -1;
+  const int result = _chsize_s(file, length) == 0 ? 0 : -1;
+  _close(file);
+  return result;
+}
+#define SCRATCH_PARENT (getenv("TEMP") != NULL ? getenv("TEMP") : ".")
+#define REMOVE_FOLDER_COMMAND "rmdir /s /q \"%s\""
+#else
 #include <unistd.h>
+#define SCRATCH_PARENT P_tmpdir
+#define REMOVE_FOLDER_COMMAND "rm -rf '%s'"
+#endif
 
 #include "velquor/velquor_c.h"
 
@@ -371,8 +399,14 @@ static void TestSettingsAndDates(void) {
   CHECK_REFS(0, {defaulted, -7, 0}, {number, 42, 0}, {running, 1, 0});
   CHECK_CUT(3, vq_settings_get_string("Test", "Name", "none", text, 8), 15, "Quality");
   CHECK_TEXT(4, vq_settings_get_string("Test", "Other", "none", BUF), "none");
+#ifdef _WIN32
+  // Windows formats with the user's regional settings: English (United States) here.
+  CHECK_TEXT(1, vq_format_date(VQ_DATE_SHORT, t, BUF), "9/9/2001");
+  CHECK_TEXT(2, vq_format_date(VQ_DATE_TIME, t, BUF), "9/9/2001 -- 1:46:40 AM");
+#else
   CHECK_TEXT(1, vq_format_date(VQ_DATE_SHORT, t, BUF), "09/09/01");
   CHECK_TEXT(2, vq_format_date(VQ_DATE_TIME, t, BUF), "09/09/01 -- 01:46:40");
+#endif
   CHECK_TEXT(3, vq_format_date(VQ_DATE_LONG, t, BUF), "Sunday, September 9, 2001");
   CHECK_TEXT(0, vq_format_pattern("'Batch' nnn yyyy-MM-dd", 7, t, BUF), "Batch 007 2001-09-09");
 }
@@ -460,7 +494,7 @@ int main(void) {
   setenv("TZ", "UTC0", 1);
   setenv("LC_ALL", "C", 1);
   tzset();
-  snprintf(scratchFolder, sizeof scratchFolder, "%s/vq_c_api_XXXXXX", P_tmpdir);
+  snprintf(scratchFolder, sizeof scratchFolder, "%s/vq_c_api_XXXXXX", SCRATCH_PARENT);
   if (mkdtemp(scratchFolder) == NULL) {
     perror(scratchFolder);
     return 1;
@@ -473,7 +507,7 @@ int main(void) {
   vq_set_message_sink(NULL, NULL);
   vq_settings_use_folder(NULL, 1);
   char command[300];
-  snprintf(command, sizeof command, "rm -rf '%s'", scratchFolder);
+  snprintf(command, sizeof command, REMOVE_FOLDER_COMMAND, scratchFolder);
   if (system(command) != 0) printf("could not remove %s\n", scratchFolder);
   printf("%d of %d checks failed\n", failures, checks);
   return failures != 0;

@@ -2,7 +2,12 @@
 // the dispatcher.
 #pragma once
 
+#if VELQUOR_HAVE_LCMS2
 #include <lcms2.h>
+#else
+#include <cmath>
+#include <numbers>
+#endif
 
 #include "velquor/difference/color_difference.h"
 
@@ -20,12 +25,19 @@ inline CColorSample RawSample(double l, double a, double b, double c, double h) 
 }
 
 // A CIELAB sample with C*ab and hab (degrees) from LittleCMS's cmsLab2LCh, so that both
-// implementations compared below start from bit-identical chroma and hue.
+// implementations compared below start from bit-identical chroma and hue (without LittleCMS,
+// from the same formulas: C = sqrt(a^2 + b^2), h = atan2(b, a) in degrees within [0, 360)).
 inline CColorSample LabSample(double l, double a, double b) {
+#if VELQUOR_HAVE_LCMS2
   const cmsCIELab lab{l, a, b};
   cmsCIELCh lch;
   cmsLab2LCh(&lch, &lab);
   return RawSample(l, a, b, lch.C, lch.h);
+#else
+  double h = std::atan2(b, a) * (180.0 / std::numbers::pi);
+  if (h < 0) h += 360;
+  return RawSample(l, a, b, std::pow(a * a + b * b, 0.5), h);
+#endif
 }
 
 inline CColorSample XyzSample(double x, double y, double z) {

@@ -77,7 +77,7 @@ constexpr EmbeddedResource kTestResources[] = {
     {kStringTableType, "two", kMoreStrings, sizeof kMoreStrings - 1}};
 
 TEST(ResourceChain, FindsResourcesOfEveryLinkedModuleUntilItDetaches) {
-  const ResourceModule resources("test", kTestResources);
+  const EmbeddedResourceModule resources("test", kTestResources);
   CExtensionModule module;
   EXPECT_EQ(AddResourceLink(module), nullptr);  // not initialised yet
   ASSERT_TRUE(InitExtensionModule(module, &resources));

@@ -74,6 +74,23 @@ TEST(IndexCatalogue, StringIdentifiersFollowTheBlockArithmetic) {
   }
 }
 
+// The system clock in a time zone five hours behind UTC without daylight saving.
+class FiveHoursBehindUtc final : public Clock {
+ public:
+  TimeValue Now() const override { return SystemClock().Now(); }
+  std::uint32_t TickCount() const override { return SystemClock().TickCount(); }
+  bool ToLocal(TimeValue time, CalendarTime& local) const override {
+    local = CalendarFromSeconds(time - kOffset);
+    return true;
+  }
+  TimeValue FromLocal(const CalendarTime& local) const override {
+    return SecondsFromCalendar(local) + kOffset;
+  }
+
+ private:
+  static constexpr TimeValue kOffset = 5 * 3600;
+};
+
 TEST(IndexMask, FixedSensorAndLocalDateTimeMasks) {
   for (const auto& row : LoadReferenceTable("reference/indices_masks.csv")) {
     std::string mask = "stale";
@@ -82,10 +99,8 @@ TEST(IndexMask, FixedSensorAndLocalDateTimeMasks) {
   }
   // 22 December 1998 23:59:59 in local time five hours behind UTC, in the locale's formats (a
   // mask made from UTC seconds would show 23 December, 04:59:59).
-  const char* zone = std::getenv("TZ");
-  const std::string savedZone = zone != nullptr ? zone : "";
-  setenv("TZ", "EST5", 1);
-  tzset();
+  const FiveHoursBehindUtc clock;
+  const Clock* previousClock = SetClock(&clock);
   LocaleDescription us = CLocaleDescription();
   us.shortDate = "M/d/yyyy";
   us.timeOfDay = "h:mm:ss tt";
@@ -96,8 +111,7 @@ TEST(IndexMask, FixedSensorAndLocalDateTimeMasks) {
   GetIndexMask(kIndexTime, time, 0);
   EXPECT_EQ(date + " " + time, "12/22/1998 11:59:59 PM");
   SetLocaleFormat(previousLocale);
-  zone != nullptr ? setenv("TZ", savedZone.c_str(), 1) : unsetenv("TZ");
-  tzset();
+  SetClock(previousClock);
 }
 
 TEST(IndexPredicates, MembershipOverBothRanges) {

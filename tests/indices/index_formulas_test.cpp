@@ -27,9 +27,16 @@ TEST(IndexFormulas, EveryListedIdentifierHasExactlyOneFormulaAndIsFoundByName) {
                                  kIndexWhitenessCie, 63u, 64u}) {
     EXPECT_EQ(seen.count(id), 1u) << id;
   }
-  EXPECT_EQ(FindIndexFormula(kIndexWhitenessCie)->plain, &WhitenessCIE);
-  EXPECT_EQ(FindIndexFormula(64)->calibrated, &TintGanz);
-  EXPECT_EQ(FindIndexFormula(kIndexYellownessE313_73R)->plain, &YellownessE313_73R);
+  // The table holds the named formulas: compared by their results on a near-white, as a
+  // function's address taken in a program differs from the one inside velquor.dll.
+  CValueVector3 xyz;
+  xyz[0] = 80.1, xyz[1] = 84.3, xyz[2] = 95.2;
+  const double coefficients[6] = {-1.5, 0.02, 180, 0.01, 0.002, -3};
+  EXPECT_EQ(FindIndexFormula(kIndexWhitenessCie)->plain(2, 1, xyz), WhitenessCIE(2, 1, xyz));
+  EXPECT_EQ(FindIndexFormula(64)->calibrated(2, 1, xyz, coefficients),
+            TintGanz(2, 1, xyz, coefficients));
+  EXPECT_EQ(FindIndexFormula(kIndexYellownessE313_73R)->plain(2, 1, xyz),
+            YellownessE313_73R(2, 1, xyz));
   EXPECT_EQ(FindIndexFormula(1000), nullptr);  // difference variants are not computable from XYZ
 
   EXPECT_EQ(FindIndexFormulaByName("  wi cie "), kIndexWhitenessCie);

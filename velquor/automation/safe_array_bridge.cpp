@@ -3,7 +3,6 @@
 #include <cstring>
 #include <limits>
 #include <new>
-#include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -29,7 +28,9 @@ constexpr std::size_t kMaxStoreSize = static_cast<std::size_t>(std::numeric_limi
 SAFEARRAY* CheckedArray(SAFEARRAY** ppsa, UINT elementSize, bool strings) {
   if (ppsa == nullptr) return nullptr;
   SAFEARRAY* psa = *ppsa;
-  if (SafeArrayGetDim(psa) != 1 || SafeArrayGetElemsize(psa) != elementSize) return nullptr;
+  if (ole::SafeArrayGetDim(psa) != 1 || ole::SafeArrayGetElemsize(psa) != elementSize) {
+    return nullptr;
+  }
   const bool kindMatches =
       strings ? (psa->fFeatures & FADF_BSTR) != 0 : (psa->fFeatures & kOwningFeatures) == 0;
   return kindMatches ? psa : nullptr;
@@ -43,7 +44,7 @@ bool CanResize(const SAFEARRAY* psa) {
 bool RedimToSize(SAFEARRAY* psa, std::size_t size) {
   if (size > kMaxStoreSize) return false;
   const SAFEARRAYBOUND bound{static_cast<ULONG>(size), 0};
-  return Succeeded(SafeArrayRedim(psa, &bound));
+  return Succeeded(ole::SafeArrayRedim(psa, &bound));
 }
 
 // A text up to its first NUL.
@@ -67,9 +68,9 @@ HRESULT LoadBlock(Array& array, SAFEARRAY** ppsa) {
   } catch (const std::bad_alloc&) {
     return E_OUTOFMEMORY;
   }
-  if (Failed(SafeArrayLock(psa))) return E_FAIL;
+  if (Failed(ole::SafeArrayLock(psa))) return E_FAIL;
   if (count > 0) std::memcpy(array.GetData(), psa->pvData, std::size_t{count} * sizeof(T));
-  SafeArrayUnlock(psa);
+  ole::SafeArrayUnlock(psa);
   return S_OK;
 }
 
@@ -82,9 +83,9 @@ HRESULT StoreBlock(const Array& array, SAFEARRAY** ppsa) {
   if (!CanResize(psa)) return E_POINTER;
   const std::size_t count = array.GetSize();
   if (!RedimToSize(psa, count)) return E_FAIL;
-  if (Failed(SafeArrayLock(psa))) return E_FAIL;
+  if (Failed(ole::SafeArrayLock(psa))) return E_FAIL;
   if (count > 0) std::memcpy(psa->pvData, array.GetData(), count * sizeof(T));
-  SafeArrayUnlock(psa);
+  ole::SafeArrayUnlock(psa);
   return S_OK;
 }
 
@@ -94,23 +95,21 @@ HRESULT LoadFromSafeArray(CStringArray& array, SAFEARRAY** ppsa) {
   SAFEARRAY* psa = CheckedArray(ppsa, kStringElementSize, true);
   if (psa == nullptr) return E_INVALIDARG;
   array.RemoveAll();
-  if (Failed(SafeArrayLock(psa))) return E_FAIL;
+  if (Failed(ole::SafeArrayLock(psa))) return E_FAIL;
   const ULONG count = psa->rgsabound[0].cElements;
   for (ULONG i = 0; i < count; ++i) {
     const auto index = static_cast<LONG>(i);
     BSTR text = nullptr;
-    if (Failed(SafeArrayGetElement(psa, &index, &text))) return E_FAIL;  // stays locked
-    const std::u16string_view wide =
-        text == nullptr ? std::u16string_view() : std::u16string_view(text, SysStringLen(text));
+    if (Failed(ole::SafeArrayGetElement(psa, &index, &text))) return E_FAIL;  // stays locked
     try {
-      array.Add(Utf16ToUtf8(UpToNul(wide)));
+      array.Add(Utf16ToUtf8(UpToNul(std::u16string_view(ole::BstrText(text)))));
     } catch (const std::bad_alloc&) {
-      SysFreeString(text);
+      ole::SysFreeString(text);
       return E_OUTOFMEMORY;
     }
-    SysFreeString(text);
+    ole::SysFreeString(text);
   }
-  SafeArrayUnlock(psa);
+  ole::SafeArrayUnlock(psa);
   return S_OK;
 }
 
@@ -121,15 +120,16 @@ HRESULT StoreToSafeArray(const CStringArray& array, SAFEARRAY** ppsa) {
   const std::size_t count = array.GetSize();
   if (!RedimToSize(psa, count)) return E_FAIL;
   for (std::size_t i = 0; i < count; ++i) {
-    const std::string_view text = UpToNul(std::string_view(array[i]));
-    const std::size_t length = Utf16Length(text);
-    if (length > std::numeric_limits<UINT>::max()) return E_OUTOFMEMORY;
-    BSTR wide = SysAllocStringLen(nullptr, static_cast<UINT>(length));
+    BSTR wide = nullptr;
+    try {
+      wide = ole::AllocBstr(Utf8ToUtf16(UpToNul(std::string_view(array[i]))));
+    } catch (const std::bad_alloc&) {
+      return E_OUTOFMEMORY;
+    }
     if (wide == nullptr) return E_OUTOFMEMORY;
-    Utf8ToUtf16(text, std::span<char16_t>(wide, length));
     const auto index = static_cast<LONG>(i);
-    const HRESULT hr = SafeArrayPutElement(psa, &index, wide);  // stores a copy
-    SysFreeString(wide);
+    const HRESULT hr = ole::SafeArrayPutElement(psa, &index, wide);  // stores a copy
+    ole::SysFreeString(wide);
     if (Failed(hr)) return E_FAIL;
   }
   return S_OK;

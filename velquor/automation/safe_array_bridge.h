@@ -2,7 +2,8 @@
 //
 // Each library array kind has a pair: LoadFromSafeArray fills the library array from a safe
 // array, StoreToSafeArray writes the library array into a caller's safe array. The caller owns
-// the safe array in both directions. Results (nothing is thrown or logged):
+// the safe array in both directions. On Windows the safe arrays and strings are oleaut32's own;
+// elsewhere they are the portable model of safe_array.h. Results (nothing is thrown or logged):
 //  - S_OK on success;
 //  - E_INVALIDARG when the safe array is missing, does not have exactly one dimension, or its
 //    elements are not of the pair's kind: strings (BSTR) for CStringArray; plain values of
@@ -26,9 +27,10 @@
 #pragma once
 
 #include "velquor/data/dword_array.h"
-#include "velquor/automation/safe_array.h"
 #include "velquor/data/string_array.h"
 #include "velquor/data/value_array.h"
+// Last: on Windows it brings in <windows.h> and <oleauto.h>.
+#include "velquor/automation/safe_array.h"
 
 namespace velquor {
 

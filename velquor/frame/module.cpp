@@ -28,18 +28,21 @@ bool lifecycleTouched = false;  // guarded by the chain mutex
 
 }  // namespace
 
-ResourceModule::ResourceModule(std::string name, std::span<const EmbeddedResource> resources)
+EmbeddedResourceModule::EmbeddedResourceModule(std::string name,
+                                               std::span<const EmbeddedResource> resources)
     : name_(std::move(name)), resources_(resources) {}
 
-const EmbeddedResource* ResourceModule::FindResource(std::string_view type,
-                                                     std::string_view name) const {
+std::optional<std::span<const unsigned char>> EmbeddedResourceModule::FindResource(
+    std::string_view type, std::string_view name) const {
   for (const EmbeddedResource& resource : resources_) {
-    if (type == resource.type && name == resource.name) return &resource;
+    if (type == resource.type && name == resource.name) {
+      return std::span<const unsigned char>(resource.data, resource.size);
+    }
   }
-  return nullptr;
+  return std::nullopt;
 }
 
-const std::string* ResourceModule::FindString(std::uint32_t id) const {
+bool EmbeddedResourceModule::FindString(std::uint32_t id, std::string& out) const {
   std::call_once(stringsParsed_, [this] {
     // A module may split its string table over several resources of the string-table type;
     // together they form one table, so an identifier may appear in only one of them.
@@ -63,7 +66,9 @@ const std::string* ResourceModule::FindString(std::uint32_t id) const {
     }
   });
   const auto found = strings_.find(id);
-  return found == strings_.end() ? nullptr : &found->second;
+  if (found == strings_.end()) return false;
+  out = found->second;
+  return true;
 }
 
 bool InitExtensionModule(CExtensionModule& module, const ResourceModule* resources) {
@@ -106,11 +111,6 @@ CExtensionModule& VelquorModule() {
 
 namespace {
 
-const ResourceModule& VelquorResources() {
-  static const ResourceModule* resources = new ResourceModule("velquor", EmbeddedResourceTable());
-  return *resources;
-}
-
 void MarkLifecycleTouched() {
   std::unique_lock lock(Chain().mutex);
   lifecycleTouched = true;
@@ -122,7 +122,7 @@ int VelquorModuleEntry(ModuleReason reason) {
   switch (reason) {
     case ModuleReason::kProcessAttach:
       MarkLifecycleTouched();
-      if (!InitExtensionModule(VelquorModule(), &VelquorResources())) return 0;
+      if (!InitExtensionModule(VelquorModule(), &LibraryResources())) return 0;
       return AddResourceLink(VelquorModule()) != nullptr ? 1 : 0;
     case ModuleReason::kProcessDetach:
       MarkLifecycleTouched();
@@ -157,24 +157,20 @@ bool FindStringOnChain(std::uint32_t id, std::string& out) {
   std::shared_lock lock(Chain().mutex);
   const auto& links = Chain().links;
   for (auto link = links.rbegin(); link != links.rend(); ++link) {
-    if (const std::string* text = (*link)->Module().resources->FindString(id)) {
-      out = *text;
-      return true;
-    }
+    if ((*link)->Module().resources->FindString(id, out)) return true;
   }
   return false;
 }
 
-const EmbeddedResource* FindResourceOnChain(std::string_view type, std::string_view name) {
+std::optional<std::span<const unsigned char>> FindResourceOnChain(std::string_view type,
+                                                                  std::string_view name) {
   EnsureVelquorAttached();
   std::shared_lock lock(Chain().mutex);
   const auto& links = Chain().links;
   for (auto link = links.rbegin(); link != links.rend(); ++link) {
-    if (const EmbeddedResource* found = (*link)->Module().resources->FindResource(type, name)) {
-      return found;
-    }
+    if (auto found = (*link)->Module().resources->FindResource(type, name)) return found;
   }
-  return nullptr;
+  return std::nullopt;
 }
 
 }  // namespace velquor

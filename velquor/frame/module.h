@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <mutex>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -18,17 +19,29 @@
 
 namespace velquor {
 
-// The resources of one module. The string table is parsed from the module's string-table
-// resource on first use.
+// The resources of one module: its string table and its custom binary resources.
 class ResourceModule {
  public:
-  ResourceModule(std::string name, std::span<const EmbeddedResource> resources);
+  virtual ~ResourceModule() = default;
+  virtual const std::string& Name() const = 0;
+  // The bytes of the resource of that type and name, or nothing. They stay valid as long as
+  // the module exists (the library's own: the whole process).
+  virtual std::optional<std::span<const unsigned char>> FindResource(
+      std::string_view type, std::string_view name) const = 0;
+  // Copies the text of that identifier into `out`; false when the module has none.
+  virtual bool FindString(std::uint32_t id, std::string& out) const = 0;
+};
 
-  const std::string& Name() const { return name_; }
-  // The resource of that type and name, or null.
-  const EmbeddedResource* FindResource(std::string_view type, std::string_view name) const;
-  // The text of that identifier, or null when the module has none.
-  const std::string* FindString(std::uint32_t id) const;
+// A module whose resources are compiled-in tables (EmbeddedResource, resource_table.h). The
+// string table is parsed from the module's string-table resources on first use.
+class EmbeddedResourceModule final : public ResourceModule {
+ public:
+  EmbeddedResourceModule(std::string name, std::span<const EmbeddedResource> resources);
+
+  const std::string& Name() const override { return name_; }
+  std::optional<std::span<const unsigned char>> FindResource(std::string_view type,
+                                                             std::string_view name) const override;
+  bool FindString(std::uint32_t id, std::string& out) const override;
 
  private:
   std::string name_;
@@ -36,6 +49,11 @@ class ResourceModule {
   mutable std::once_flag stringsParsed_;
   mutable StringTable strings_;
 };
+
+// The library's own resources: on POSIX systems the tables compiled into it, on Windows the
+// resources of the module image (velquor.dll, or the program the static library is linked
+// into). Implemented per platform (library_resources_posix.cpp, library_resources_windows.cpp).
+const ResourceModule& LibraryResources();
 
 // The extension-module record: which resources a module contributes and whether it is
 // initialised.
@@ -95,9 +113,10 @@ void EnsureVelquorAttached();
 CDynLinkLibrary* InitVelquorModule();
 
 // Searches the chain, newest link first, for a string (copied into `out`; true if found) or
-// a custom resource (null if absent). Resource bytes belong to their module and stay valid as
-// long as it exists; the library's own live for the whole process.
+// a custom resource (nothing if absent). Resource bytes belong to their module and stay valid
+// as long as it exists; the library's own live for the whole process.
 bool FindStringOnChain(std::uint32_t id, std::string& out);
-const EmbeddedResource* FindResourceOnChain(std::string_view type, std::string_view name);
+std::optional<std::span<const unsigned char>> FindResourceOnChain(std::string_view type,
+                                                                  std::string_view name);
 
 }  // namespace velquor

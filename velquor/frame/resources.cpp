@@ -46,9 +46,7 @@ std::string LoadStringResource(std::uint32_t id) {
 
 std::optional<std::span<const unsigned char>> FindCustomResource(std::string_view type,
                                                                  std::string_view name) {
-  const EmbeddedResource* resource = FindResourceOnChain(type, name);
-  if (resource == nullptr) return std::nullopt;
-  return std::span<const unsigned char>(resource->data, resource->size);
+  return FindResourceOnChain(type, name);
 }
 
 int LoadTranslatedStringsFromText(std::string_view text, std::string* error) {

@@ -20,7 +20,8 @@ std::string LoadStringResource(std::uint32_t id);
 
 // The bytes of the custom resource `name` of resource type `type` (e.g. "PWD", "ILL02_10"),
 // or nothing. The bytes live as long as the module that holds them (the library's own: the
-// whole process) and are aligned to 16 bytes.
+// whole process) and are aligned to 8 bytes at least (the compiled-in tables of POSIX builds
+// to 16).
 std::optional<std::span<const unsigned char>> FindCustomResource(std::string_view type,
                                                                  std::string_view name);
 
