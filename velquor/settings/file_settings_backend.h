@@ -4,7 +4,9 @@
 //  1. $VELQUOR_SETTINGS_HOME, if set and not empty (meant for tests and portable installs);
 //  2. otherwise $XDG_CONFIG_HOME/velquor/registry, if XDG_CONFIG_HOME is an absolute path;
 //  3. otherwise $HOME/.config/velquor/registry (the home folder from the password database
-//     when HOME is not set).
+//     when HOME is not set); on Windows %APPDATA%\velquor\registry instead of 2 and 3.
+// (On Windows the process's default store is the registry, see default_settings_backend.h;
+// this store is used there when a host or test installs it.)
 //
 // Layout: a key is a folder, its subkeys are subfolders, and its values are one file
 // ".values" in the folder, in the checksummed line form of settings_file.h. A key name is
