@@ -12,6 +12,7 @@
 #include <tuple>
 
 #include "velquor/settings/clock.h"
+#include "velquor/settings/system_time_windows.h"
 #include "velquor/settings/date_time_text.h"
 #include "velquor/settings/locale_format.h"
 
@@ -29,15 +30,8 @@ std::string LocaleInfo(LCTYPE item) {
 }
 
 SYSTEMTIME SystemTimeOf(TimeValue time) {
-  const CalendarTime t = CalendarFromSeconds(time);
   SYSTEMTIME s{};
-  s.wYear = static_cast<WORD>(t.year);
-  s.wMonth = static_cast<WORD>(t.month);
-  s.wDayOfWeek = static_cast<WORD>(t.dayOfWeek);
-  s.wDay = static_cast<WORD>(t.day);
-  s.wHour = static_cast<WORD>(t.hour);
-  s.wMinute = static_cast<WORD>(t.minute);
-  s.wSecond = static_cast<WORD>(t.second);
+  ToSystemTime(CalendarFromSeconds(time), s);
   return s;
 }
 

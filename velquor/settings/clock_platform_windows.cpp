@@ -4,41 +4,11 @@
 // 30827; times outside them cannot be converted.
 #include "velquor/settings/clock_platform.h"
 
+#include "velquor/settings/system_time_windows.h"
+
 #include <windows.h>
 
 namespace velquor {
-
-namespace {
-
-constexpr int kFirstSystemYear = 1601;
-constexpr int kLastSystemYear = 30827;
-
-bool ToSystemTime(const CalendarTime& time, SYSTEMTIME& out) {
-  if (time.year < kFirstSystemYear || time.year > kLastSystemYear) return false;
-  out = SYSTEMTIME{};
-  out.wYear = static_cast<WORD>(time.year);
-  out.wMonth = static_cast<WORD>(time.month);
-  out.wDayOfWeek = static_cast<WORD>(time.dayOfWeek);
-  out.wDay = static_cast<WORD>(time.day);
-  out.wHour = static_cast<WORD>(time.hour);
-  out.wMinute = static_cast<WORD>(time.minute);
-  out.wSecond = static_cast<WORD>(time.second);
-  return true;
-}
-
-CalendarTime FromSystemTime(const SYSTEMTIME& time) {
-  CalendarTime out;
-  out.year = time.wYear;
-  out.month = time.wMonth;
-  out.dayOfWeek = time.wDayOfWeek;
-  out.day = time.wDay;
-  out.hour = time.wHour;
-  out.minute = time.wMinute;
-  out.second = time.wSecond;
-  return out;
-}
-
-}  // namespace
 
 TimeValue PlatformNow() {
   SYSTEMTIME now;

@@ -4,6 +4,8 @@
 // of the user shows. Texts are in the process's ANSI code page.
 #include "velquor/settings/locale_platform.h"
 
+#include "velquor/settings/system_time_windows.h"
+
 #include <windows.h>
 
 #include <cstddef>
@@ -33,24 +35,6 @@ std::string LocaleInfo(LCID locale, LCTYPE item) {
   ReadText([&](char* buffer, int size) { return ::GetLocaleInfoA(locale, item, buffer, size); },
            text);
   return text;
-}
-
-// The calendar fields a SYSTEMTIME can hold for the date and time formatters.
-bool ToSystemTime(const CalendarTime& t, SYSTEMTIME& out) {
-  const bool valid = t.year >= 1601 && t.year <= 30827 && t.month >= 1 && t.month <= 12 &&
-                     t.day >= 1 && t.day <= 31 && t.dayOfWeek >= 0 && t.dayOfWeek <= 6 &&
-                     t.hour >= 0 && t.hour <= 23 && t.minute >= 0 && t.minute <= 59 &&
-                     t.second >= 0 && t.second <= 59;
-  if (!valid) return false;
-  out = SYSTEMTIME{};
-  out.wYear = static_cast<WORD>(t.year);
-  out.wMonth = static_cast<WORD>(t.month);
-  out.wDayOfWeek = static_cast<WORD>(t.dayOfWeek);
-  out.wDay = static_cast<WORD>(t.day);
-  out.wHour = static_cast<WORD>(t.hour);
-  out.wMinute = static_cast<WORD>(t.minute);
-  out.wSecond = static_cast<WORD>(t.second);
-  return true;
 }
 
 // The user's locale as the platform formats it.
