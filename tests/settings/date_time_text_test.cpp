@@ -12,7 +12,6 @@
 #include "velquor/frame/message.h"
 #include "velquor/settings/clock.h"
 #include "velquor/settings/locale_format.h"
-#include "velquor/settings/locale_platform.h"
 
 namespace velquor {
 namespace {
@@ -204,15 +203,6 @@ TEST(LocalePictures, LocaleFormatsBecomePicturesAndPlatformSeams) {
     EXPECT_EQ(got, row.Text("expected")) << row.Where();
   }
   EXPECT_EQ(PictureFromStrftime("%r", "%l:%M %p"), "h:mm tt");
-  // The platform's C locale matches the built-in description.
-  const std::optional<LocaleDescription> c = DescribePlatformLocale("C");
-  const auto fields = [](const LocaleDescription& d) {
-    return std::tuple(d.shortDate, d.longDate, d.timeOfDay, d.timeSeparator, d.amDesignator,
-                      d.pmDesignator, d.monthNames, d.monthAbbreviations, d.dayNames,
-                      d.dayAbbreviations);
-  };
-  EXPECT_TRUE(fields(c.value()) == fields(CLocaleDescription()));
-  EXPECT_FALSE(DescribePlatformLocale("xx_YY.no-such-codeset").has_value());
   EXPECT_FALSE(UserDecimalSeparator().empty());
   // The system clock agrees with the C library.
   EXPECT_NEAR(SystemClock().Now(), static_cast<TimeValue>(std::time(nullptr)), 2);

@@ -1,56 +1,27 @@
 #include "velquor/settings/registry_store.h"
 
 #include <gtest/gtest.h>
-#include <pwd.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <limits>
-#include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
 
 #include "reference_table.h"
-#include "velquor/settings/file_settings_backend.h"
+#include "settings/settings_test_store.h"
 #include "velquor/settings/settings_file.h"
 
 namespace velquor {
 namespace {
 
-namespace fs = std::filesystem;
 using namespace std::string_literals;
-
-std::string ReadFile(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
-// A file store in a temporary folder of the process's own, installed for the test and removed
-// after it. It flushes to disk unless a test of many writes turns that off (a flush can cost
-// tens of milliseconds on a busy disk; locking and atomic replacement do not depend on it).
-struct Store {
-  explicit Store(bool flushToDisk = true, const char* below = "registry")
-      : folder_(fs::path(::testing::TempDir()) /
-                ("velquor_settings_" + std::to_string(::getpid()))),
-        root_(folder_ / below) {
-    fs::remove_all(folder_);
-    fs::create_directories(folder_);
-    SetSettingsBackend(std::make_shared<FileSettingsBackend>(root_, flushToDisk));
-  }
-  ~Store() {
-    SetSettingsBackend(nullptr);
-    fs::remove_all(folder_);
-  }
-  fs::path Section() const { return root_ / "software/Palomerix/Quelmark/Diagnostics"; }
-  fs::path Values() const { return Section() / ".values"; }
-  fs::path folder_, root_;
-};
+using test::ReadFile;
+using test::ScratchStore;
+namespace fs = std::filesystem;
 
 // A line with a correct checksum, so that only the rule a case breaks can reject it.
 std::string Line(const std::string& body) {
@@ -102,7 +73,7 @@ TEST(SettingsValuesForm, DamagedLinesAreSkippedAndTheRestRead) {
 // A values file over the store's size limit cannot be read, so a write to its key must not
 // replace it by the one new value: the 20 values it holds stay.
 TEST(SettingsValuesFile, AWriteNeverDropsTheValuesOfAnOversizedFile) {
-  const Store store(false);
+  const ScratchStore store(false);
   const std::unique_ptr<SettingsKey> key = OpenSettingsKey("Diagnostics");
   const unsigned char data[4] = {1, 0, 0, 0};
   for (char name = 'a'; name < 'a' + 20; ++name) key->SetValue(std::string(1, name), 4, data);
@@ -115,7 +86,7 @@ TEST(SettingsValuesFile, AWriteNeverDropsTheValuesOfAnOversizedFile) {
 // check: a string of up to four bytes reads as a number, a number as a string; over 260 bytes
 // a string reads as the default.
 TEST(SettingsStore, ValuesKeepTheirBytesAndAreReadWithoutTypeCheck) {
-  const Store store;
+  const ScratchStore store;
   EXPECT_EQ(GetRegistryInt("Diagnostics", "General", -1), -1);
   EXPECT_TRUE(fs::is_directory(store.Section()));  // the first read creates the key path
   EXPECT_FALSE(fs::exists(store.Values()));        // and stores nothing
@@ -145,14 +116,17 @@ TEST(SettingsStore, ValuesKeepTheirBytesAndAreReadWithoutTypeCheck) {
 // Names ignore ASCII case, an existing folder keeps its spelling, and section names that are not
 // plain folder names are encoded.
 TEST(SettingsStore, NamesIgnoreAsciiCaseAndKeyNamesAreEncoded) {
-  const Store store;
+  const ScratchStore store;
   fs::create_directories(store.root_ / "SOFTWARE");
   ASSERT_TRUE(SetRegistryInt("diagnostics", "general", 2));
   EXPECT_EQ(GetRegistryInt("DIAGNOSTICS", "General", -1), 2);
   EXPECT_TRUE(fs::is_directory(store.root_ / "SOFTWARE/Palomerix/Quelmark/diagnostics"));
 
+  // Folder names mean the same on every platform: what Windows forbids or alters is encoded.
   const std::pair<const char*, const char*> folders[] = {
-      {"a/b", "a%2Fb"}, {".x", "%2Ex"}, {"..", "%2E."}, {"a.b", "a.b"}, {"5% x", "5%25%20x"}};
+      {"a/b", "a%2Fb"},         {".x", "%2Ex"},       {"..", "%2E%2E"},   {"a.b", "a.b"},
+      {"5% x", "5%25%20x"},     {"x.", "x%2E"},       {"a:b?", "a%3Ab%3F"}, {"<|>", "%3C%7C%3E"},
+      {"con", "%63on"},         {"Com3.log", "%43om3.log"}, {"COM10", "COM10"}, {"console", "console"}};
   for (const auto& [section, folder] : folders) {
     ASSERT_TRUE(SetRegistryInt(section, "V", 1)) << section;
     EXPECT_TRUE(fs::exists(store.root_ / "SOFTWARE/Palomerix/Quelmark" / folder / ".values"));
@@ -166,7 +140,7 @@ TEST(SettingsStore, NamesIgnoreAsciiCaseAndKeyNamesAreEncoded) {
 // Cuts the file at every offset and flips each of its bytes: every value reads as stored if
 // its line is intact and as the default otherwise, and the next write repairs the file.
 TEST(SettingsStore, DamagedFileReadsDefaultsWhereHitAndIsRepairedByTheNextWrite) {
-  const Store store(false);
+  const ScratchStore store(false);
   ASSERT_TRUE(SetRegistryInt("Diagnostics", "General", 2));
   ASSERT_TRUE(SetRegistryInt("Diagnostics", "Color Sensor", 1));
   ASSERT_TRUE(SetRegistryString("Diagnostics", "PathInfo", "/var/log/q/"));
@@ -193,52 +167,13 @@ TEST(SettingsStore, DamagedFileReadsDefaultsWhereHitAndIsRepairedByTheNextWrite)
   }
 }
 
-// A store below a regular file, or a section without write permission, reads its values (or the
-// defaults) and refuses writes.
-TEST(SettingsStore, UnusableLocationOrSectionRefusesWrites) {
-  {
-    const Store store(true, "file/registry");
-    std::ofstream(store.folder_ / "file") << "not a folder";
-    EXPECT_EQ(OpenVendorKey(), nullptr);
-    EXPECT_EQ(GetRegistryString("Diagnostics", "PathInfo", "."), ".");
-    EXPECT_FALSE(SetRegistryString("Diagnostics", "PathInfo", "/tmp/"));
-  }
-  if (::geteuid() == 0) GTEST_SKIP() << "permissions do not stop the superuser";
-  const Store writable;
-  ASSERT_TRUE(SetRegistryInt("Diagnostics", "General", 2));
-  fs::permissions(writable.Section(), fs::perms::owner_read | fs::perms::owner_exec);
-  EXPECT_FALSE(SetRegistryInt("Diagnostics", "General", 1));
-  EXPECT_EQ(GetRegistryInt("Diagnostics", "General", -1), 2);
-  fs::permissions(writable.Section(), fs::perms::owner_all);
-}
-
-TEST(SettingsStore, EnvironmentChoosesTheRoot) {
-  const char* const names[] = {"HOME", "XDG_CONFIG_HOME", kSettingsHomeVariable};
-  std::optional<std::string> saved[3];
-  for (int i = 0; i < 3; ++i) saved[i] = std::getenv(names[i]) ? std::getenv(names[i]) : saved[i];
-  const auto set = [](const char* n, const char* v) { v ? ::setenv(n, v, 1) : ::unsetenv(n); };
-  const std::tuple<const char*, const char*, const char*> cases[] = {
-      {"/srv/s", "/cfg", "/srv/s"},
-      {"", "/cfg", "/cfg/velquor/registry"},
-      {nullptr, "relative", "/home/ann/.config/velquor/registry"},
-      {nullptr, nullptr, "/home/ann/.config/velquor/registry"}};
-  set("HOME", "/home/ann");
-  for (const auto& [settingsHome, configHome, root] : cases) {
-    set(kSettingsHomeVariable, settingsHome);
-    set("XDG_CONFIG_HOME", configHome);
-    EXPECT_EQ(DefaultSettingsRoot(), fs::path(root));
-  }
-  set("HOME", nullptr);  // then the user's home folder comes from the password database
-  if (const passwd* user = ::getpwuid(::geteuid()); user != nullptr) {
-    EXPECT_EQ(DefaultSettingsRoot(), fs::path(user->pw_dir) / ".config/velquor/registry");
-  }
-  // The default store follows the variable at every opening.
-  const Store scratch;
-  SetSettingsBackend(nullptr);
-  set(kSettingsHomeVariable, scratch.folder_.c_str());
-  EXPECT_TRUE(SetRegistryInt("Diagnostics", "General", 1));
-  EXPECT_TRUE(fs::exists(scratch.folder_ / "software/Palomerix/Quelmark/Diagnostics/.values"));
-  for (int i = 0; i < 3; ++i) set(names[i], saved[i] ? saved[i]->c_str() : nullptr);
+// A store below a regular file reads the defaults and refuses writes.
+TEST(SettingsStore, StoreBelowAFileRefusesWrites) {
+  const ScratchStore store(true, "file/registry");
+  std::ofstream(store.folder_ / "file") << "not a folder";
+  EXPECT_EQ(OpenVendorKey(), nullptr);
+  EXPECT_EQ(GetRegistryString("Diagnostics", "PathInfo", "."), ".");
+  EXPECT_FALSE(SetRegistryString("Diagnostics", "PathInfo", "/tmp/"));
 }
 
 // Registry in memory recording the calls, as a Windows registry backend would receive them.
@@ -279,29 +214,6 @@ TEST(SettingsStore, KeysAreOpenedAlongTheVendorPathAndClosedAfterEachAccess) {
   EXPECT_EQ(OpenVendorKey(), nullptr);
   EXPECT_EQ(backend->calls, std::vector<std::string>{"open software 131103"});  // none created
   SetSettingsBackend(nullptr);
-}
-
-// Three processes write one section at once, each its counter and, every tenth
-// time, a value of its own, so that a write lost to a race shows as a missing or stale value.
-TEST(SettingsStore, ConcurrentWritersKeepEveryValue) {
-  const Store store(false);
-  const auto writeMany = [](const std::string& writer) {
-    bool ok = true;
-    for (int i = 1; i <= 300; ++i) {
-      ok &= SetRegistryInt("Diagnostics", "Counter " + writer, i);
-      if (i % 10 == 0) ok &= SetRegistryInt("Diagnostics", writer + std::to_string(i), i);
-    }
-    return ok;
-  };
-  for (const char* writer : {"A", "B", "C"}) {
-    if (::fork() == 0) ::_exit(writeMany(writer) ? 0 : 1);
-  }
-  for (int status = 0; ::wait(&status) > 0;) EXPECT_EQ(status, 0) << "a write failed";
-  const ParsedSettingsValues parsed = ParseSettingsValues(ReadFile(store.Values()));
-  EXPECT_EQ(parsed.damagedLines, 0u);
-  EXPECT_EQ(parsed.values.size(), 3 * 31u);
-  for (const char* w : {"A", "B", "C"})
-    EXPECT_EQ(GetRegistryInt("Diagnostics", "Counter "s + w, -1), 300);
 }
 
 }  // namespace

@@ -48,7 +48,8 @@ class Clock {
   virtual TimeValue FromLocal(const CalendarTime& local) const = 0;
 };
 
-// The operating system's clock: system_clock, steady_clock and the C library's time zone
+// The operating system's clock (clock_platform.h): on Windows GetSystemTime, GetTickCount and
+// the Win32 time zone; elsewhere system_clock, steady_clock and the C library's time zone
 // (localtime_r, mktime).
 const Clock& SystemClock();
 

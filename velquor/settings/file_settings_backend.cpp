@@ -27,13 +27,27 @@ bool SyncFolder(const std::string& folder, bool flush) {
   return !flush || FlushFolder(folder);
 }
 
+// Whether `name` is a Windows device name, alone or before an extension ("nul", "COM1.txt").
+bool IsDeviceName(std::string_view name) {
+  const std::string_view stem = name.substr(0, name.find('.'));
+  for (const std::string_view device : {"CON", "PRN", "AUX", "NUL"}) {
+    if (SameSettingsName(stem, device)) return true;
+  }
+  if (stem.size() != 4 || stem[3] < '1' || stem[3] > '9') return false;
+  return SameSettingsName(stem.substr(0, 3), "COM") || SameSettingsName(stem.substr(0, 3), "LPT");
+}
+
 // The folder name of key `name`, or nothing if the name cannot be a key's.
 std::optional<std::string> EncodeKeyName(std::string_view name) {
   if (name.empty() || name.find('\\') != std::string_view::npos) return std::nullopt;
+  constexpr std::string_view kForbidden = "%/:*?\"<>|";
+  const bool device = IsDeviceName(name);
   std::string folder;
   for (std::size_t i = 0; i < name.size(); ++i) {
     const auto c = static_cast<unsigned char>(name[i]);
-    const bool keep = c >= 0x21 && c <= 0x7E && c != '%' && c != '/' && !(i == 0 && c == '.');
+    const bool dotAtEnd = c == '.' && (i == 0 || i + 1 == name.size());
+    const bool keep = c >= 0x21 && c <= 0x7E && kForbidden.find(static_cast<char>(c)) ==
+                      std::string_view::npos && !dotAtEnd && !(i == 0 && device);
     if (keep) {
       folder += static_cast<char>(c);
     } else {

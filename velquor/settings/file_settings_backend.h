@@ -4,13 +4,18 @@
 //  1. $VELQUOR_SETTINGS_HOME, if set and not empty (meant for tests and portable installs);
 //  2. otherwise $XDG_CONFIG_HOME/velquor/registry, if XDG_CONFIG_HOME is an absolute path;
 //  3. otherwise $HOME/.config/velquor/registry (the home folder from the password database
-//     when HOME is not set).
+//     when HOME is not set); on Windows %APPDATA%\velquor\registry instead of 2 and 3.
+// (On Windows the process's default store is the registry, see default_settings_backend.h;
+// this store is used there when a host or test installs it.)
 //
 // Layout: a key is a folder, its subkeys are subfolders, and its values are one file
 // ".values" in the folder, in the checksummed line form of settings_file.h. A key name is
-// written as a folder name with its bytes 0x21..0x7E kept except '%' and '/', and a leading
-// '.', as '%' plus two upper-case hex digits; so no key folder starts with '.', and the
-// store's own files (".values", ".values.tmp", ".lock") cannot clash with one. Key and value
+// written as a folder name with its bytes 0x21..0x7E kept except '%' and '/', the characters
+// Windows forbids in file names (: * ? " < > |), a leading '.', a trailing '.' (which Windows
+// drops) and the first letter of a Windows device name (CON, PRN, AUX, NUL, COM1..9,
+// LPT1..9, alone or before a '.'), each written as '%' plus two upper-case hex digits; so one
+// tree means the same on every platform, no key folder starts with '.', and the store's own
+// files (".values", ".values.tmp", ".lock") cannot clash with one. Key and value
 // names are found without regard to ASCII case; a new key keeps the spelling it was created
 // with. Opening the root provisions it and its standard key "software" unless that key exists
 // in some spelling (as a new Windows user profile has HKEY_CURRENT_USER\Software).

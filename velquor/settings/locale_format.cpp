@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
+#include <memory>
 #include <utility>
 
 #include "velquor/settings/locale_platform.h"
@@ -340,12 +341,8 @@ std::string TimeSeparatorOfPicture(std::string_view picture) {
 }
 
 const LocaleFormat& UserLocaleFormat() {
-  static const DescribedLocale user([] {
-    if (auto described = DescribePlatformLocale("")) return *std::move(described);
-    if (auto described = DescribePlatformLocale("C")) return *std::move(described);
-    return CLocaleDescription();
-  }());
-  return user;
+  static const std::unique_ptr<LocaleFormat> user = MakeUserLocaleFormat();
+  return *user;
 }
 
 const std::string& UserDecimalSeparator() {

@@ -103,7 +103,9 @@ std::string LongDateFromShortDate(std::string_view shortDate);
 // The text between the first hour field of a time picture and the next field, or "".
 std::string TimeSeparatorOfPicture(std::string_view picture);
 
-// The user's locale as DescribePlatformLocale("") gives it (read once per process), else "C".
+// The user's locale (MakeUserLocaleFormat in locale_platform.h, made once per process): on
+// Windows the platform's own date and time formatters, elsewhere the locale as
+// DescribePlatformLocale("") gives it, else "C".
 const LocaleFormat& UserLocaleFormat();
 
 // The decimal separator of the user's numeric locale (read once per process), "." when the

@@ -1,12 +1,12 @@
 // The platform's regional settings read with POSIX calls: the LC_TIME and LC_NUMERIC data of
-// a locale object (newlocale, nl_langinfo_l), which leaves the process's C locale alone, and
-// localtime_r for the user's time zone.
+// a locale object (newlocale, nl_langinfo_l), which leaves the process's C locale alone.
 #include "velquor/settings/locale_platform.h"
 
 #include <langinfo.h>
 #include <locale.h>
 
 #include <cstddef>
+#include <utility>
 
 namespace velquor {
 
@@ -60,8 +60,11 @@ std::string ReadUserDecimalSeparator() {
   return separator;
 }
 
-bool ToLocalTimeParts(std::time_t time, std::tm& parts) {
-  return localtime_r(&time, &parts) != nullptr;
+std::unique_ptr<LocaleFormat> MakeUserLocaleFormat() {
+  std::optional<LocaleDescription> described = DescribePlatformLocale("");
+  if (!described) described = DescribePlatformLocale("C");
+  return std::make_unique<DescribedLocale>(described ? *std::move(described)
+                                                     : CLocaleDescription());
 }
 
 }  // namespace velquor

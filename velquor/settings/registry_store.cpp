@@ -5,7 +5,7 @@
 #include <mutex>
 #include <utility>
 
-#include "velquor/settings/file_settings_backend.h"
+#include "velquor/settings/default_settings_backend.h"
 
 namespace velquor {
 
@@ -30,7 +30,7 @@ std::shared_ptr<SettingsBackend> SetSettingsBackend(std::shared_ptr<SettingsBack
 
 std::shared_ptr<SettingsBackend> CurrentSettingsBackend() {
   std::lock_guard lock(BackendMutex());
-  if (!InstalledBackend()) InstalledBackend() = std::make_shared<FileSettingsBackend>();
+  if (!InstalledBackend()) InstalledBackend() = MakeDefaultSettingsBackend();
   return InstalledBackend();
 }
 

@@ -8,10 +8,10 @@
 // closes it again; no key is kept open between calls, so concurrent callers rely on the
 // backend's own atomicity of single value reads and writes.
 //
-// Where the keys physically live is a SettingsBackend: by default the file tree of
-// file_settings_backend.h (under $XDG_CONFIG_HOME); a Windows registry backend maps the same
-// calls onto RegOpenKeyExA, RegCreateKeyExA, RegQueryValueExA, RegSetValueExA and RegCloseKey
-// under HKEY_CURRENT_USER.
+// Where the keys physically live is a SettingsBackend (default_settings_backend.h): on Windows
+// the registry (registry_backend.h: RegOpenKeyExA, RegCreateKeyExA, RegQueryValueExA,
+// RegSetValueExA and RegCloseKey under HKEY_CURRENT_USER), elsewhere the file tree of
+// file_settings_backend.h (under $XDG_CONFIG_HOME).
 //
 // Failures are not reported beyond the results: a key that cannot be opened or created reads
 // as the default and makes writes return false. No message is shown.
@@ -78,7 +78,7 @@ class SettingsBackend {
 };
 
 // Makes `backend` the store for the whole process and returns the previous one; nullptr
-// restores the default file store. Safe to call from any thread; calls already running keep
+// restores the platform's default store. Safe to call from any thread; calls already running keep
 // the backend they started with.
 std::shared_ptr<SettingsBackend> SetSettingsBackend(std::shared_ptr<SettingsBackend> backend);
 // The store in use.

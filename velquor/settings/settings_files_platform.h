@@ -1,7 +1,8 @@
 // The file and folder operations of the file-tree settings store (file_settings_backend.h),
 // one seam per platform: settings_files_platform_posix.cpp implements them with POSIX calls, a
 // _windows.cpp twin beside it with the Win32 file API. file_settings_backend.cpp calls the
-// platform only through these. Paths are narrow strings with '/' between folders.
+// platform only through these. Paths are narrow strings with '/' between folders (Windows
+// takes '\\' as well).
 #pragma once
 
 #include <cstddef>
@@ -16,7 +17,9 @@ namespace velquor {
 // The per-user default root of the store when no override is set: on POSIX
 // $XDG_CONFIG_HOME/velquor/registry if XDG_CONFIG_HOME is an absolute path, else
 // <home>/.config/velquor/registry with the home folder from $HOME or, when HOME is not set,
-// from the password database. Empty if no home folder can be found.
+// from the password database; on Windows <application data>\velquor\registry with the
+// folder from %APPDATA% or, when that is not set, SHGetFolderPathA(CSIDL_APPDATA). Empty if
+// no such folder can be found.
 std::filesystem::path PlatformSettingsRoot();
 
 // Whether `path` names an existing folder.
