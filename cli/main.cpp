@@ -6,8 +6,11 @@
 #include <vector>
 
 #include "commands.h"
+#include "velquor/frame/message.h"
 
 int main(int argc, char** argv) {
+  // A command-line tool tells its user on standard error, never in a message box.
+  velquor::SetMessageSink(velquor::WriteMessageToStandardError);
   const std::vector<std::string> args(argv + 1, argv + argc);
   velquor::cli::CommandOutput io;
   int status = velquor::cli::RunVelquor(args, io);

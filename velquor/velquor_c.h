@@ -141,7 +141,7 @@ int vq_clear_translation(void) VQ_NOEXCEPT;
  * Deliveries are serialised; a sink must not call back into functions that show messages. */
 typedef void (*vq_message_sink)(void* context, int kind, const char* text, size_t length);
 /* Installs `sink` with its `context` for the whole process; NULL restores the default
- * (standard error). */
+ * (standard error; on Windows a message box unless VELQUOR_MESSAGES=stderr is set). */
 int vq_set_message_sink(vq_message_sink sink, void* context) VQ_NOEXCEPT;
 
 /* The unit of hue angles at the interface: 1 degrees (the default), 0 radians. */
