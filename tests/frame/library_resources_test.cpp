@@ -41,6 +41,10 @@ TEST(LibraryResources, EveryStringOfTheSourceTablesLoadsByIdentifier) {
   }
   EXPECT_GT(strings, 1000);
   EXPECT_EQ(LoadStringResource(65535), "");
+  // Identifiers are 16-bit: 65536 + 384 is not 384 (a STRINGTABLE lookup would wrap to it).
+  std::string beyond = "stale";
+  EXPECT_EQ(LoadStringResource(65536 + 384, beyond), 0);
+  EXPECT_EQ(beyond, "");
 }
 
 TEST(LibraryResources, EveryWeightingTableIsACustomResourceOfItsName) {
