@@ -27,7 +27,7 @@
  * - Hue angles are in degrees (see vq_set_hue_in_degrees).
  * - Threads: as the C++ library. Calls may come from any thread; the process-wide state
  *   (weighting tables, string translation, message sink, settings store, log levels) is
- *   shared by all of them.
+ *   shared by all of them. Large batches run on several threads (vq_set_batch_threads).
  */
 #ifndef VELQUOR_VELQUOR_C_H_
 #define VELQUOR_VELQUOR_C_H_
@@ -147,6 +147,21 @@ int vq_set_message_sink(vq_message_sink sink, void* context) VQ_NOEXCEPT;
 /* The unit of hue angles at the interface: 1 degrees (the default), 0 radians. */
 int vq_hue_in_degrees(void) VQ_NOEXCEPT;
 int vq_set_hue_in_degrees(int degrees) VQ_NOEXCEPT;
+
+/* Threads of the batch functions (vq_xyz_batch, vq_xyz_to_lab_batch, vq_lab_batch,
+ * vq_difference_batch, vq_delta_e_batch), for the whole process. A batch larger than one chunk
+ * (256 to 2048 samples, by function) is split into fixed chunks run by the calling thread and
+ * up to threads - 1 workers of a pool the library starts on first need; smaller batches, and
+ * any batch at threads = 1, run in the calling thread alone. Every sample is computed by the
+ * same code whatever the split, so results are identical, bit for bit, at every setting.
+ * `threads`: 0 = one per processor (the default), 1 = the calling thread only, larger values
+ * are cut to VQ_MAX_BATCH_THREADS, negative values count as 1. Several threads may run batches
+ * at once. The pool's workers are never joined: they wait, idle, until the process ends, and
+ * once the pool exists the library stays loaded until then (FreeLibrary/dlclose keep it). */
+#define VQ_MAX_BATCH_THREADS 64
+int vq_set_batch_threads(int threads) VQ_NOEXCEPT;
+/* The thread count in use, 1..VQ_MAX_BATCH_THREADS (0 resolved to the processor count). */
+int vq_batch_threads(void) VQ_NOEXCEPT;
 
 /* ---- Spectral data ------------------------------------------------------------------------ */
 

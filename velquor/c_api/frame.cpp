@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "velquor/c_api/c_api_support.h"
+#include "velquor/frame/batch_threads.h"
 #include "velquor/frame/constants.h"
 #include "velquor/frame/message.h"
 #include "velquor/frame/numeric.h"
@@ -20,6 +21,7 @@ using velquor::capi::Guard;
 using velquor::capi::IsValidBuffer;
 
 static_assert(VQ_MISSING == kMissing);
+static_assert(VQ_MAX_BATCH_THREADS == kMaxBatchThreads);
 static_assert(VQ_MESSAGE_INFORMATION == static_cast<int>(MessageKind::kInformation));
 static_assert(VQ_MESSAGE_WARNING == static_cast<int>(MessageKind::kWarning));
 static_assert(VQ_MESSAGE_ERROR == static_cast<int>(MessageKind::kError));
@@ -120,5 +122,12 @@ int vq_set_hue_in_degrees(int degrees) noexcept {
   SetHueInDegrees(degrees);
   return VQ_OK;
 }
+
+int vq_set_batch_threads(int threads) noexcept {
+  SetBatchThreads(threads);
+  return VQ_OK;
+}
+
+int vq_batch_threads(void) noexcept { return BatchThreads(); }
 
 }  // extern "C"

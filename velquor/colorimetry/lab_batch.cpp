@@ -2,16 +2,26 @@
 
 #include "velquor/colorimetry/lab.h"
 #include "velquor/colorimetry/reference_white.h"
+#include "velquor/frame/thread_pool.h"
 
 namespace velquor {
 
 namespace {
 
+// Samples per chunk of a batch: one conversion (three cube roots, a hypotenuse and an arc
+// tangent) takes some 100 ns, so a chunk is about 100 microseconds of work. Batches of at most
+// this many samples run in the calling thread.
+constexpr std::size_t kLabChunk = 1024;
+
 // `white` may be null here: XYZToLab then writes missing records.
 std::size_t ConvertAll(const double* white, const double* xyz, std::size_t xyzStride, double* lab,
                        std::size_t labStride, std::size_t count) {
   if (count == 0 || xyz == nullptr || lab == nullptr || xyzStride < 3 || labStride < 5) return 0;
-  for (std::size_t i = 0; i < count; ++i) XYZToLab(white, xyz + i * xyzStride, lab + i * labStride);
+  ParallelFor(count, kLabChunk, [&](std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end; ++i) {
+      XYZToLab(white, xyz + i * xyzStride, lab + i * labStride);
+    }
+  });
   return count;
 }
 

@@ -10,7 +10,9 @@ namespace velquor {
 // L*, a*, b*, C*ab, hab to lab[i * labStride + 0..4]; strides are in doubles, so records with
 // other fields in between can be converted in place. `white` holds Xn, Yn, Zn (Y = 100 scale).
 // Each sample is read completely before it is written, so lab == xyz with equal strides (>= 5)
-// works; other overlaps must not reach samples not yet read.
+// works; otherwise a sample's output must not overlap another sample's input, since batches of
+// more than 1024 samples are split over BatchThreads() threads (velquor/frame/thread_pool.h)
+// and converted in no fixed order. Results are the same at any thread count.
 // Returns the number of samples converted: `count`, or 0 when xyzStride < 3, labStride < 5 or a
 // pointer is null (then nothing is written). Missing samples give missing records.
 std::size_t XYZToLabBatch(const double white[3], const double* xyz, std::size_t xyzStride,

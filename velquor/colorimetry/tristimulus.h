@@ -28,7 +28,9 @@ void ComputeXYZ(const CKSData& spectrum, int illuminant, int observer, CValueVec
 
 // ComputeXYZ over `count` curves held in caller-owned memory: curve n is the 40 doubles at
 // spectra + n * spectrumStride, and its X, Y, Z go to xyz[n * xyzStride + 0..2]. The results
-// are bit-identical to ComputeXYZ on the same curves. The table is fetched once. Returns 1;
+// are bit-identical to ComputeXYZ on the same curves, at any thread count. The table is fetched
+// once. Batches of more than 2048 curves are split over BatchThreads() threads
+// (velquor/frame/thread_pool.h); smaller ones run in the calling thread. Returns 1;
 // returns 0 without writing anything when spectrumStride < 40, xyzStride < 3 or a pointer is
 // null with count > 0; returns 0 with every output the missing value when the table cannot
 // be loaded.
