@@ -1,5 +1,6 @@
 // Throughput of the colorimetric hot path: spectra -> XYZ and XYZ -> CIELAB, with LittleCMS's
-// cmsXYZ2Lab on the same data as the peer. Run: build/release/bench/velquor_bench_colorimetry
+// cmsXYZ2Lab on the same data as the peer, and spectra -> CIELAB over one million spectra at 1
+// and 2 batch threads side by side. Run: build/release/bench/velquor_bench_colorimetry
 #include <benchmark/benchmark.h>
 #include <lcms2.h>
 
@@ -11,6 +12,8 @@
 #include "velquor/colorimetry/tristimulus.h"
 #include "velquor/colorimetry/weight_table_cache.h"
 #include "velquor/data/value_vectors.h"
+#include "velquor/frame/batch_threads.h"
+#include "velquor/velquor_c.h"
 
 namespace {
 
@@ -53,6 +56,28 @@ void BM_SpectraToXYZ(benchmark::State& state) {
   state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * count));
 }
 BENCHMARK(BM_SpectraToXYZ)->Arg(100000);
+
+// The fused bulk path (spectrum -> XYZ -> CIELAB per step of 64) at range(1) batch threads.
+// Wall-clock time, since the workers' CPU time is not the caller's.
+void BM_SpectraToLab_Threads(benchmark::State& state) {
+  const auto count = static_cast<std::size_t>(state.range(0));
+  const std::vector<double> spectra = MakeSpectra(count);
+  std::vector<vq_coords5> lab(count);
+  velquor::SetBatchThreads(static_cast<int>(state.range(1)));
+  for (auto _ : state) {
+    vq_lab_batch(spectra.data(), count, kD65, k10Degree, lab.data(), nullptr);
+    benchmark::DoNotOptimize(lab.data());
+    benchmark::ClobberMemory();
+  }
+  velquor::SetBatchThreads(0);
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * count));
+}
+BENCHMARK(BM_SpectraToLab_Threads)
+    ->ArgNames({"spectra", "threads"})
+    ->Args({1000000, 1})
+    ->Args({1000000, 2})
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
 
 void BM_XYZToLab_velquor(benchmark::State& state) {
   const auto count = static_cast<std::size_t>(state.range(0));

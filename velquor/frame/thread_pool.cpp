@@ -15,8 +15,8 @@ namespace velquor {
 
 namespace {
 
-// True on a pool worker and on a caller while it runs chunks: a batch started there runs in
-// that thread, so a job never waits for workers that are busy with the job that started it.
+// True on a pool worker and on a caller while its split batch runs: a batch started there
+// runs in that thread rather than queue behind the workers that are busy with the outer one.
 thread_local bool tInBatch = false;
 
 // One ParallelFor call, on the caller's stack. Chunks are claimed through `nextChunk`; the

@@ -8,8 +8,8 @@
 // BatchThreads() - 1 workers; the call returns when every chunk is done.
 //
 // No thread is involved, and the pool is not even created, when the batch is a single chunk
-// (count <= chunk), when BatchThreads() is 1, or when the call comes from inside a body (a
-// batch call nested in another runs in the thread that makes it). Callers choose `chunk` so
+// (count <= chunk), when BatchThreads() is 1, or when the call comes from a chunk of a batch
+// that is itself split over threads (such a nested batch runs in the thread that makes it). Callers choose `chunk` so
 // that one chunk is some 50-100 microseconds of work: waking a parked worker costs a few
 // microseconds up to tens on a busy machine, which a smaller batch would not win back.
 //
