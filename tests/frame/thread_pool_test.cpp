@@ -112,40 +112,35 @@ std::vector<double> Spectra() {
   std::vector<double> spectra(kCount * VQ_SPECTRUM_POINTS);
   for (std::size_t n = 0; n < kCount; ++n) {
     for (std::size_t i = 0; i < VQ_SPECTRUM_POINTS; ++i) {
-      spectra[n * VQ_SPECTRUM_POINTS + i] =
-          3.0 + 45.0 * (1.0 + std::sin(0.37 * static_cast<double>(n) + 0.21 * static_cast<double>(i)));
+      const double phase = 0.37 * static_cast<double>(n) + 0.21 * static_cast<double>(i);
+      spectra[n * VQ_SPECTRUM_POINTS + i] = 3.0 + 45.0 * (1.0 + std::sin(phase));
     }
     if (n % 97 == 5) spectra[n * VQ_SPECTRUM_POINTS] = VQ_MISSING;
   }
   return spectra;
 }
 
+// Outputs of the five C batch functions and of ComputeXYZBatch.
 struct BatchResults {
-  std::vector<vq_xyz> xyz, labXyz;
-  std::vector<vq_coords5> lab, labFromXyz;
-  std::vector<vq_diff7> fromSamples, fromSpectra;
-  std::vector<double> cppXyz;
+  std::vector<vq_xyz> xyz = std::vector<vq_xyz>(kCount), labXyz = xyz, cppXyz = xyz;
+  std::vector<vq_coords5> lab = std::vector<vq_coords5>(kCount), labFromXyz = lab;
+  std::vector<vq_diff7> fromSamples = std::vector<vq_diff7>(kCount), fromSpectra = fromSamples;
 };
 
 BatchResults RunBatches(const std::vector<double>& spectra, const std::vector<vq_sample>& trials) {
-  BatchResults r{std::vector<vq_xyz>(kCount),     std::vector<vq_xyz>(kCount),
-                 std::vector<vq_coords5>(kCount), std::vector<vq_coords5>(kCount),
-                 std::vector<vq_diff7>(kCount),   std::vector<vq_diff7>(kCount),
-                 std::vector<double>(3 * kCount)};
+  BatchResults r;
   const double* s = spectra.data();
-  EXPECT_EQ(vq_xyz_batch(s, kCount, kD65, VQ_OBSERVER_10, r.xyz.data()), VQ_OK);
-  EXPECT_EQ(vq_lab_batch(s, kCount, kD65, VQ_OBSERVER_10, r.lab.data(), r.labXyz.data()), VQ_OK);
-  EXPECT_EQ(vq_xyz_to_lab_batch(kD65, VQ_OBSERVER_10, r.xyz.data(), kCount, r.labFromXyz.data()),
+  const int o = VQ_OBSERVER_10;
+  EXPECT_EQ(vq_xyz_batch(s, kCount, kD65, o, r.xyz.data()), VQ_OK);
+  EXPECT_EQ(vq_lab_batch(s, kCount, kD65, o, r.lab.data(), r.labXyz.data()), VQ_OK);
+  EXPECT_EQ(vq_xyz_to_lab_batch(kD65, o, r.xyz.data(), kCount, r.labFromXyz.data()), VQ_OK);
+  EXPECT_EQ(vq_difference_batch(&trials[0], trials.data(), kCount, VQ_DIFF_CIE2000, kD65, o,
+                                nullptr, 0.0, r.fromSamples.data()),
             VQ_OK);
-  EXPECT_EQ(vq_difference_batch(&trials[0], trials.data(), kCount, VQ_DIFF_CIE2000, kD65,
-                                VQ_OBSERVER_10, nullptr, 0.0, r.fromSamples.data()),
-            VQ_OK);
-  EXPECT_EQ(vq_delta_e_batch(s, s, kCount, VQ_DIFF_CIE2000, kD65, VQ_OBSERVER_10, nullptr, 0.0,
+  EXPECT_EQ(vq_delta_e_batch(s, s, kCount, VQ_DIFF_CIE2000, kD65, o, nullptr, 0.0,
                              r.fromSpectra.data()),
             VQ_OK);
-  EXPECT_EQ(ComputeXYZBatch(s, kCount, VQ_SPECTRUM_POINTS, kD65, VQ_OBSERVER_10,
-                            r.cppXyz.data(), 3),
-            1);
+  EXPECT_EQ(ComputeXYZBatch(s, kCount, VQ_SPECTRUM_POINTS, kD65, o, &r.cppXyz[0].x, 3), 1);
   return r;
 }
 
@@ -153,39 +148,31 @@ BatchResults RunBatches(const std::vector<double>& spectra, const std::vector<vq
 // missing inputs included.
 TEST_F(ThreadPoolTest, BatchResultsAreBitIdenticalAtEveryThreadCount) {
   const std::vector<double> spectra = Spectra();
-  std::vector<vq_sample> trials(kCount);
-  BatchResults single{std::vector<vq_xyz>(kCount),     {},
-                      std::vector<vq_coords5>(kCount), {},
-                      std::vector<vq_diff7>(kCount),   std::vector<vq_diff7>(kCount),
-                      std::vector<double>(3 * kCount)};
+  std::vector<vq_sample> trials(kCount), fromSpectra(kCount);
+  BatchResults single;
+  std::size_t missing = 0;
   for (std::size_t n = 0; n < kCount; ++n) {
     const double* curve = &spectra[n * VQ_SPECTRUM_POINTS];
     ASSERT_EQ(vq_compute_xyz(curve, kD65, VQ_OBSERVER_10, &single.xyz[n]), VQ_OK);
     vq_xyz_to_lab(kD65, VQ_OBSERVER_10, &single.xyz[n], &single.lab[n]);
-    std::memcpy(&single.cppXyz[3 * n], &single.xyz[n], sizeof(vq_xyz));
     vq_sample_from_spectrum(curve, VQ_DIFF_CIE2000, kD65, VQ_OBSERVER_10, nullptr, &trials[n]);
+    fromSpectra[n] = trials[n];
     if (n % 89 == 7) trials[n].coords.a = VQ_MISSING;
   }
-  std::size_t missing = 0;
   for (std::size_t n = 0; n < kCount; ++n) {
     vq_color_difference(&trials[0], &trials[n], VQ_DIFF_CIE2000, kD65, VQ_OBSERVER_10, nullptr,
                         0.0, &single.fromSamples[n]);
-    vq_sample standard, trial;
-    vq_sample_from_spectrum(&spectra[0], VQ_DIFF_CIE2000, kD65, VQ_OBSERVER_10, nullptr,
-                            &standard);
-    vq_sample_from_spectrum(&spectra[n * VQ_SPECTRUM_POINTS], VQ_DIFF_CIE2000, kD65,
-                            VQ_OBSERVER_10, nullptr, &trial);
-    vq_color_difference(&standard, &trial, VQ_DIFF_CIE2000, kD65, VQ_OBSERVER_10, nullptr, 0.0,
-                        &single.fromSpectra[n]);
+    vq_color_difference(&fromSpectra[0], &fromSpectra[n], VQ_DIFF_CIE2000, kD65, VQ_OBSERVER_10,
+                        nullptr, 0.0, &single.fromSpectra[n]);
     missing += vq_is_missing(single.fromSamples[n].slot[6]) + vq_is_missing(single.lab[n].l);
   }
   EXPECT_GT(missing, 100u);  // both kinds of missing input are in the data
   for (const int threads : {1, 2, 8}) {
     SetBatchThreads(threads);
     const BatchResults r = RunBatches(spectra, trials);
-    EXPECT_EQ(FirstDifference(r.xyz, single.xyz), -1) << threads;
-    EXPECT_EQ(FirstDifference(r.labXyz, single.xyz), -1) << threads;
-    EXPECT_EQ(FirstDifference(r.cppXyz, single.cppXyz), -1) << threads;
+    for (const auto* xyz : {&r.xyz, &r.labXyz, &r.cppXyz}) {
+      EXPECT_EQ(FirstDifference(*xyz, single.xyz), -1) << threads;
+    }
     EXPECT_EQ(FirstDifference(r.lab, single.lab), -1) << threads;
     EXPECT_EQ(FirstDifference(r.labFromXyz, single.lab), -1) << threads;
     EXPECT_EQ(FirstDifference(r.fromSamples, single.fromSamples), -1) << threads;
