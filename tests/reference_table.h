@@ -13,6 +13,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -102,22 +103,14 @@ class ReferenceTable {
     std::vector<std::string> fields(1);
     bool quoted = false;
     for (std::size_t i = 0; i < line.size(); ++i) {
-      const char c = line[i];
-      if (quoted) {
-        if (c == '"' && i + 1 < line.size() && line[i + 1] == '"') {
-          fields.back() += '"';
-          ++i;
-        } else if (c == '"') {
-          quoted = false;
-        } else {
-          fields.back() += c;
-        }
-      } else if (c == '"') {
-        quoted = true;
-      } else if (c == ',') {
+      if (quoted && line.compare(i, 2, "\"\"") == 0) {
+        fields.back() += line[++i];  // a doubled quote inside quotes stands for one
+      } else if (line[i] == '"') {
+        quoted = !quoted;
+      } else if (line[i] == ',' && !quoted) {
         fields.emplace_back();
       } else {
-        fields.back() += c;
+        fields.back() += line[i];
       }
     }
     return fields;
@@ -127,17 +120,13 @@ class ReferenceTable {
   std::vector<ReferenceRow> rows_;
 };
 
-// Reads tests/data/<name> once per call; keep the result for the test's duration.
+// Reads tests/data/<name> at its first use.
 inline const ReferenceTable& LoadReferenceTable(const std::string& name) {
   // Tables are small and read-only: keep each one for the life of the test program.
-  static std::vector<std::unique_ptr<ReferenceTable>> loaded;
-  static std::vector<std::string> names;
-  for (std::size_t i = 0; i < names.size(); ++i) {
-    if (names[i] == name) return *loaded[i];
-  }
-  names.push_back(name);
-  loaded.push_back(std::make_unique<ReferenceTable>(name));
-  return *loaded.back();
+  static std::map<std::string, std::unique_ptr<ReferenceTable>> loaded;
+  std::unique_ptr<ReferenceTable>& table = loaded[name];
+  if (table == nullptr) table = std::make_unique<ReferenceTable>(name);
+  return *table;
 }
 
 }  // namespace velquor::test

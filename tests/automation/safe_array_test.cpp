@@ -9,6 +9,7 @@
 #include <string>
 #include <utility>
 
+#include "archive_test_support.h"
 #include "velquor/data/dword_array.h"
 #include "velquor/data/string_array.h"
 #include "velquor/frame/archive.h"
@@ -39,16 +40,8 @@ TEST(Automation, BstrCarriesItsByteLengthBeforeTheText) {
   EXPECT_EQ(ole::BstrText(nullptr), u"");
 }
 
-std::string Stored(CObject& object) {
-  std::stringstream stream;
-  object.Serialize(*std::make_unique<CArchive>(static_cast<std::ostream&>(stream)));  // flushed here
-  return stream.str();
-}
-
-void Load(CObject& object, const std::string& bytes) {
-  std::stringstream stream(bytes);
-  object.Serialize(*std::make_unique<CArchive>(static_cast<std::istream&>(stream)));
-}
+using test::Load;
+using test::Stored;
 
 // The framework's string length prefixes: one byte below 255, then 0xFF and a 16-bit length
 // below 0xFFFF, then 0xFF 0xFFFF and a 32-bit length; after a 2-byte element count.

@@ -15,6 +15,7 @@
 #include <sstream>
 
 #include "reference_table.h"
+#include "scratch_folder.h"
 
 namespace velquor::test {
 void PrintTo(const ReferenceRow& row, std::ostream* os) {
@@ -54,11 +55,7 @@ std::string Bytes(const velquor::test::ReferenceRow& row, const char* column) {
   return text;
 }
 
-std::string Read(const fs::path& path) {
-  std::stringstream text;
-  text << std::ifstream(path, std::ios::binary).rdbuf();
-  return text.str();
-}
+using velquor::test::ReadFile;
 
 // The tool's test folder and the tool run in it.
 class ToolTest : public ::testing::Test {
@@ -95,23 +92,23 @@ TEST_P(ToolRun, ExitCodeAndMessages) {
   const std::string stdoutTo = args.find('>') == std::string::npos ? " >out.txt" : "";
   fs::remove(dir_ / "out.txt");
   ASSERT_EQ(Shell("velquor " + args + stdoutTo + " 2>err.txt"), row.Integer("exit"))
-      << Read(dir_ / "err.txt");
-  const std::string out = Read(dir_ / "out.txt"), errors = Read(dir_ / "err.txt");
+      << ReadFile(dir_ / "err.txt");
+  const std::string out = ReadFile(dir_ / "out.txt"), errors = ReadFile(dir_ / "err.txt");
   const std::string file = row.Text("file").empty() ? "out.txt" : row.Text("file");
   std::istringstream shown(Bytes(row, "out"));
   for (std::string text; std::getline(shown, text, '|');) {
-    EXPECT_THAT(Read(dir_ / file), HasSubstr(text));
+    EXPECT_THAT(ReadFile(dir_ / file), HasSubstr(text));
   }
   EXPECT_THAT(errors, HasSubstr(err));
   EXPECT_TRUE(err.empty() || errors.find(err) == errors.rfind(err)) << errors;  // said once
-  const std::string all = out + errors + Read(dir_ / file);
+  const std::string all = out + errors + ReadFile(dir_ / file);
   EXPECT_TRUE(absent.empty() || all.find(absent) == std::string::npos) << all;
   const std::string parse = row.Text("parse") == "json" ? "json.load(f)" : "f.read()";
   EXPECT_TRUE(row.Text("parse").empty() ||  // well-formed, with U+FFFD
               (Shell("/usr/bin/python3 -c 'import json; f = open(\"" + file +
                      "\", encoding=\"utf-8\"); " + parse + "'") == 0 &&
-               Read(dir_ / file).find("\xef\xbf\xbd") != std::string::npos))
-      << Read(dir_ / file);
+               ReadFile(dir_ / file).find("\xef\xbf\xbd") != std::string::npos))
+      << ReadFile(dir_ / file);
 }
 
 #define VELQUOR_RUNS(table)                                             \

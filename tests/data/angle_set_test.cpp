@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "archive_test_support.h"
 #include "velquor/frame/archive.h"
 #include "velquor/frame/constants.h"
 #include "velquor/frame/message.h"
@@ -37,12 +38,7 @@ Order SortedPositions(const CAngleSet& set) {
   return order;
 }
 
-std::string Stored(CAngleSet set) {
-  std::ostringstream out;
-  CArchive archive(out);
-  set.Serialize(archive);
-  return out.str();
-}
+std::string Stored(CAngleSet set) { return test::Stored(set); }
 
 TEST(AngleSet, SortsByKeyKeepingStoredOrderAmongEqualKeys) {
   const struct { Codes codes; Order order; } cases[] = {
@@ -149,21 +145,9 @@ TEST(AngleSetArchive, FourByteCountThenCodesAndLoadingRebuilds) {
   EXPECT_EQ(set.GetCodes(), (Codes{11, 25, 41, 12}));
   EXPECT_EQ(SortedPositions(set), (Order{2, 1, 3, 0}));
   EXPECT_TRUE(set.GetCurrentPosition() == 0u && set.IsEnabled(0) && in.peek() == std::istringstream::traits_type::eof());
-  std::istringstream full(Stored(MakeSet(Codes(256, k110))));  // loads at the limit
-  CArchive reader(full);
-  set.Serialize(reader);
+  test::Load(set, Stored(MakeSet(Codes(256, k110))));  // loads at the limit
   EXPECT_EQ(set.GetCodes(), Codes(256, k110));
 }
-
-class UnseekableBuffer : public std::streambuf {
- public:
-  explicit UnseekableBuffer(std::string data) : data_(std::move(data)) {
-    setg(data_.data(), data_.data(), data_.data() + data_.size());
-  }
-
- private:
-  std::string data_;
-};
 
 TEST(AngleSetArchive, BadArchivesThrowAndLeaveTheSetAlone) {
   using Cause = ArchiveError::Cause;
@@ -178,16 +162,9 @@ TEST(AngleSetArchive, BadArchivesThrowAndLeaveTheSetAlone) {
     for (bool seekable : {true, false}) {
       CAngleSet set = MakeSet({k15, k45});
       set.SetCurrentPosition(1);
-      std::istringstream seekIn(c.bytes);
-      UnseekableBuffer buffer(c.bytes);
-      std::istream streamIn(&buffer);
-      CArchive archive(seekable ? static_cast<std::istream&>(seekIn) : streamIn);
-      try {
-        set.Serialize(archive);
-        ADD_FAILURE() << "no error for " << c.bytes.size() << " bytes";
-      } catch (const ArchiveError& e) {
-        EXPECT_EQ(e.cause(), seekable ? c.seekable : c.stream) << c.bytes.size() << seekable;
-      }
+      EXPECT_EQ(test::Loaded(c.bytes, seekable, [&](CArchive& in) { set.Serialize(in); }),
+                seekable ? c.seekable : c.stream)
+          << c.bytes.size() << seekable;
       EXPECT_EQ(set.GetCodes(), (Codes{k15, k45}));
       EXPECT_EQ(set.GetCurrentPosition(), 1u);
     }

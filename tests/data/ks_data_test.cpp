@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "archive_test_support.h"
 #include "reference_table.h"
 #include "tolerances.h"
 #include "velquor/data/fixed_field.h"
@@ -76,23 +77,13 @@ TEST(SpectralArithmetic, ScalarOperationsLeaveMissingAloneAndClampTestsLowFirst)
   EXPECT_TRUE(curve[0] == 10.0 && curve[20] == 5.0);
 }
 
-std::string Store(CValueArray& array) {
-  std::ostringstream out;
-  CArchive archive(out);
-  array.Serialize(archive);
-  return out.str();
-}
-
-void Load(CValueArray& array, const std::string& bytes) {
-  std::istringstream in(bytes);
-  CArchive archive(in);
-  array.Serialize(archive);
-}
+using test::Load;
+using test::Stored;
 
 TEST(SpectralArchive, RoundTripAndStoredCurvesOfOtherLengths) {
   CKSData curve = Ramp(0.5), loaded;
   curve[7] = kMissing;
-  const std::string bytes = Store(curve);
+  const std::string bytes = Stored(curve);
   EXPECT_EQ(bytes.substr(0, 2) + std::to_string(bytes.size()), std::string("\x28\x00", 2) + "322");
   Load(loaded, bytes);
   for (std::size_t i = 0; i < 40; ++i) EXPECT_EQ(loaded[i], curve[i]);
@@ -100,13 +91,13 @@ TEST(SpectralArchive, RoundTripAndStoredCurvesOfOtherLengths) {
   CValueArray other;
   other.SetSize(41);
   for (std::size_t i = 0; i < 41; ++i) other[i] = 10.0;
-  Load(loaded, Store(other));
+  Load(loaded, Stored(other));
   ASSERT_EQ(loaded.GetSize(), 41u);
   loaded.Scale(2.0);
   loaded.Fill(3.0);
   EXPECT_TRUE(loaded[39] == 3.0 && loaded[40] == 10.0);
   other.SetSize(3);
-  Load(loaded, Store(other));
+  Load(loaded, Stored(other));
   ASSERT_EQ(loaded.GetSize(), 3u);
   loaded.Add(CKSData());
   EXPECT_EQ(loaded[2], 10.0);

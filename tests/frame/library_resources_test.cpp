@@ -4,10 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 
+#include "scratch_folder.h"
 #include "velquor/frame/resources.h"
 #include "velquor/frame/string_table.h"
 
@@ -17,11 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 const fs::path kResources = fs::path(VELQUOR_SOURCE_DIR) / "velquor" / "resources";
 
-std::string ReadFile(const fs::path& path) {
-  std::ostringstream text;
-  text << std::ifstream(path, std::ios::binary).rdbuf();
-  return text.str();
-}
+using test::ReadFile;
 
 // Every text of every source file, byte for byte (UTF-8, escapes resolved). A STRINGTABLE
 // cannot hold an empty text, so an empty one reads as absent on Windows: both give "".

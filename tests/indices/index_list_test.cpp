@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "archive_test_support.h"
 #include "velquor/indices/index_profile.h"
 
 namespace velquor {
@@ -46,42 +47,19 @@ std::string Words(std::initializer_list<std::uint32_t> words) {
   return bytes;
 }
 
-// The bytes stored (the stored form does not depend on the version), or empty and the cause.
-std::string Store(IndexList list, std::optional<Cause>& cause) {
-  std::ostringstream out;
-  CArchive archive(out);
-  try {
-    SerializeIndexList(list, archive, 48);
-  } catch (const ArchiveError& error) {
-    cause = error.cause();
-  }
-  return out.str();
+// The bytes stored (the stored form does not depend on the version).
+std::string Store(IndexList list) {
+  return test::Stored([&](CArchive& archive) { SerializeIndexList(list, archive, 48); });
 }
-
-// A stream that cannot seek, so the archive cannot know how many bytes remain.
-struct OneWayBuffer final : std::stringbuf {
-  using std::stringbuf::stringbuf;
-  pos_type seekoff(off_type, std::ios_base::seekdir, std::ios_base::openmode) override {
-    return -1;
-  }
-  pos_type seekpos(pos_type, std::ios_base::openmode) override { return -1; }
-};
 
 // Loads `bytes` into `list`: nullopt on success (with the word after the list in `next`), or
 // the cause of the ArchiveError thrown.
 std::optional<Cause> Load(const std::string& bytes, std::uint32_t version, IndexList& list,
                           std::uint32_t* next = nullptr, bool seekable = true) {
-  OneWayBuffer oneWay(bytes, std::ios_base::in);
-  std::istringstream seekableStream(bytes);
-  std::istream oneWayStream(&oneWay);
-  CArchive archive(seekable ? static_cast<std::istream&>(seekableStream) : oneWayStream);
-  try {
+  return test::Loaded(bytes, seekable, [&](CArchive& archive) {
     SerializeIndexList(list, archive, version);
-  } catch (const ArchiveError& error) {
-    return error.cause();
-  }
-  if (next != nullptr) *next = archive.ReadValue<std::uint32_t>();
-  return std::nullopt;
+    if (next != nullptr) *next = archive.ReadValue<std::uint32_t>();
+  });
 }
 
 TEST(IndexList, AddRemoveAndCountColumns) {
@@ -114,11 +92,14 @@ TEST(IndexListArchive, StoresCountThenPairsAndRefusesAnOverfullList) {
   const IndexList full = FullList(1000, 9, 400);  // round trip; nothing is read beyond it
   IndexList loaded, overfull;
   std::uint32_t next = 0;
-  std::optional<Cause> cause;
-  EXPECT_EQ(Load(Store(full, cause) + Words({0xFEEDu}), 48, loaded, &next), std::nullopt);
-  EXPECT_TRUE(Entries(loaded) == Entries(full) && next == 0xFEEDu && !cause);
+  EXPECT_EQ(Load(Store(full) + Words({0xFEEDu}), 48, loaded, &next), std::nullopt);
+  EXPECT_TRUE(Entries(loaded) == Entries(full) && next == 0xFEEDu);
   overfull.count = kMaxSelectedIndices + 1;
-  EXPECT_TRUE(Store(overfull, cause).empty() && cause == Cause::kBadCount);
+  std::optional<Cause> cause;
+  const std::string bytes = test::Stored([&](CArchive& archive) {
+    cause = test::Caught([&] { SerializeIndexList(overfull, archive, 48); });
+  });
+  EXPECT_TRUE(bytes.empty() && cause == Cause::kBadCount);
 }
 
 // Version 42 stored the difference variant of i as 100 + i; from 43 on it is 1000 + i.

@@ -5,11 +5,11 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "scratch_folder.h"
 #include "velquor/frame/message.h"
 #include "velquor/instrument/log_file_platform.h"
 #include "velquor/settings/file_settings_backend.h"
@@ -20,24 +20,17 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace std::string_literals;
-
-std::string ReadFile(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
+using test::ReadFile;
 
 std::int32_t Stored(std::string_view channel) {
   return GetRegistryInt(kDiagnosticsSection, channel, -9);
 }
 
-// A settings store and a log folder in a temporary folder of the test's own, the messages
+// A settings store and a log folder in a scratch folder of the test's own, the messages
 // captured, the level cache forgotten.
-class LogTest : public ::testing::Test {
+class LogTest : public ::testing::Test, public test::ScratchFolder {
  protected:
   void SetUp() override {
-    folder_ = fs::path(::testing::TempDir()) /
-              ("velquor_log_"s + testing::UnitTest::GetInstance()->current_test_info()->name());
-    fs::remove_all(folder_);
     fs::create_directories(logFolder_ = folder_.string() + "/log/");
     logFile_ = logFolder_ + "PalDebug.txt";
     SetSettingsBackend(std::make_shared<FileSettingsBackend>(folder_ / "registry", false));
@@ -47,7 +40,6 @@ class LogTest : public ::testing::Test {
   void TearDown() override {
     SetTickSource(nullptr);
     SetMessageSink(nullptr);
-    fs::remove_all(folder_);
   }
   // Stores both channels' level and the log folder, as a host's settings would hold them.
   void StoreLevels(std::int32_t level) {
@@ -63,7 +55,6 @@ class LogTest : public ::testing::Test {
     return ReadFile(logFile_);
   }
 
-  fs::path folder_;
   std::string logFolder_, logFile_;
   std::vector<std::string> messages_;
 };

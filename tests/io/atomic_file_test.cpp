@@ -7,10 +7,10 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
+#include "scratch_folder.h"
 #include "velquor/io/atomic_file_platform.h"
 #include "velquor/io/cgats_writer.h"
 #include "velquor/io/csv_spectra.h"
@@ -20,29 +20,16 @@ namespace velquor {
 namespace {
 
 namespace fs = std::filesystem;
+using test::ReadFile;
 
-class AtomicFileTest : public ::testing::Test {
+class AtomicFileTest : public ::testing::Test, public test::ScratchFolder {
  protected:
-  void SetUp() override {
-    fs::remove_all(folder_);
-    fs::create_directories(folder_);
-  }
-  void TearDown() override { fs::remove_all(folder_); }
-
   std::vector<std::string> Entries() const {
     std::vector<std::string> names;
     for (const auto& entry : fs::directory_iterator(folder_)) names.push_back(entry.path().filename().string());
     std::sort(names.begin(), names.end());
     return names;
   }
-  static std::string Content(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-  }
-
-  const fs::path folder_ = fs::temp_directory_path() /
-                           ("velquor_atomic_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "_" +
-                            ::testing::UnitTest::GetInstance()->current_test_info()->name());
 };
 
 // An interrupted write (the writer goes away before Commit) leaves the old file whole.
@@ -57,7 +44,7 @@ TEST_F(AtomicFileTest, AbandonedWriteLeavesTheOldFileAndNoPartialFile) {
     EXPECT_TRUE(fs::exists(file.TemporaryPath()));
     EXPECT_EQ(Entries().size(), 2u);
   }
-  EXPECT_EQ(Content(target), "complete old report\n");
+  EXPECT_EQ(ReadFile(target), "complete old report\n");
   EXPECT_EQ(Entries(), (std::vector<std::string>{"report.csv"}));
 }
 
@@ -69,13 +56,13 @@ TEST_F(AtomicFileTest, NewFilesAreCreatedOnlyWhereNothingExists) {
   int error = 0;
   EXPECT_EQ(atomic_file_platform::CreateNewFile(taken.string(), error), nullptr);
   EXPECT_EQ(error, EEXIST);
-  EXPECT_EQ(Content(taken), "another writer's bytes");
+  EXPECT_EQ(ReadFile(taken), "another writer's bytes");
   std::FILE* file = atomic_file_platform::CreateNewFile(fresh.string(), error);
   ASSERT_NE(file, nullptr);
   EXPECT_EQ(error, 0);
   EXPECT_EQ(std::fwrite("a\nb", 1, 3, file), 3u);
   std::fclose(file);
-  EXPECT_EQ(Content(fresh), "a\nb");  // binary: no CR added
+  EXPECT_EQ(ReadFile(fresh), "a\nb");  // binary: no CR added
 }
 
 // The final rename fails (the target is a folder): the temporary file is removed.
@@ -98,7 +85,7 @@ TEST_F(AtomicFileTest, WritersReplaceTheTargetAndReportTheFileTheyCouldNotWrite)
   const fs::path csv = folder_ / "out.CSV", cgats = folder_ / "out.txt";
   std::ofstream(csv, std::ios::binary) << "an old, longer report\n";
   ASSERT_TRUE(WriteMeasurementFile(csv.string(), file).ok);
-  EXPECT_EQ(Content(csv), "name,400,410,420\na,1,2,3\n");
+  EXPECT_EQ(ReadFile(csv), "name,400,410,420\na,1,2,3\n");
   ASSERT_TRUE(WriteMeasurementFile(cgats.string(), file).ok);
   ASSERT_TRUE(ReadMeasurementFile(cgats.string(), {}, back).ok);
   EXPECT_EQ(back.format, MeasurementFormat::kCgats);

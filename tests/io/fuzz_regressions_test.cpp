@@ -5,13 +5,12 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "measurement_test_support.h"
+#include "scratch_folder.h"
 #include "velquor/io/cgats_reader.h"
 #include "velquor/io/cgats_writer.h"
 #include "velquor/io/csv_spectra.h"
@@ -95,8 +94,7 @@ TEST(FuzzRegressions, EveryKeptInputReadsWithoutCrashing) {
   for (const fs::path& path : inputs) {
     const std::string name = path.filename().string();
     SCOPED_TRACE(name);
-    std::ifstream in(path, std::ios::binary);
-    const std::string text(std::istreambuf_iterator<char>(in), {});
+    const std::string text = test::ReadFile(path);
     if (name.starts_with("hand_")) {
       ReadAsTheFuzzerDoes(text, 0, name);
     } else if (!text.empty()) {

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <tuple>
+#include <vector>
 
 #include "velquor/settings/clock.h"
 #include "velquor/settings/system_time_windows.h"
@@ -66,19 +67,28 @@ class UserLocaleTexts : public ::testing::Test, public Clock {
   void TearDown() override { SetClock(nullptr); }
 };
 
-TEST_F(UserLocaleTexts, DatesAndTimesAreThoseOfThePlatform) {
+// The texts are the platform's, and so are those of the locale's own description, so the
+// portable formatter and the platform read the pictures alike.
+TEST_F(UserLocaleTexts, DatesAndTimesAndTheLocaleDescriptionAreThoseOfThePlatform) {
+  const std::optional<LocaleDescription> user = DescribePlatformLocale("");
+  ASSERT_TRUE(user.has_value());
+  const DescribedLocale described(*user);
   for (const TimeValue time : kTimes) {
     const SYSTEMTIME s = SystemTimeOf(time);
+    const CalendarTime t = CalendarFromSeconds(time);
+    const std::vector<std::string> platform = {PlatformDate(s, DATE_SHORTDATE),
+                                               PlatformDate(s, DATE_LONGDATE), PlatformTime(s)};
     std::string shortDate, longDate, timeOfDay, joined;
-    ASSERT_EQ(FormatShortDate(shortDate, time), 1);
-    ASSERT_EQ(FormatLongDate(longDate, time), 1);
-    ASSERT_EQ(FormatTimeOfDay(timeOfDay, time), 1);
-    ASSERT_EQ(FormatDateTime(joined, time), 1);
-    EXPECT_EQ(shortDate, PlatformDate(s, DATE_SHORTDATE)) << time;
-    EXPECT_EQ(longDate, PlatformDate(s, DATE_LONGDATE)) << time;
-    EXPECT_EQ(timeOfDay, PlatformTime(s)) << time;
+    EXPECT_EQ(std::vector<int>({FormatShortDate(shortDate, time), FormatLongDate(longDate, time),
+                                FormatTimeOfDay(timeOfDay, time), FormatDateTime(joined, time)}),
+              std::vector<int>(4, 1));
+    EXPECT_EQ(std::vector<std::string>({shortDate, longDate, timeOfDay}), platform) << time;
     EXPECT_EQ(joined, shortDate + " -- " + timeOfDay);
     EXPECT_NE(shortDate, longDate);
+    described.FormatDate(t, kShortDateFlag, {}, shortDate);
+    described.FormatDate(t, kLongDateFlag, {}, longDate);
+    described.FormatTime(t, {}, timeOfDay);
+    EXPECT_EQ(std::vector<std::string>({shortDate, longDate, timeOfDay}), platform) << time;
   }
   std::string now;
   ASSERT_EQ(FormatShortDate(now), 1);  // no time: the clock's now
@@ -89,30 +99,11 @@ TEST_F(UserLocaleTexts, DatesAndTimesAreThoseOfThePlatform) {
   std::string text = "old";
   EXPECT_EQ(FormatShortDate(text, -1), 0);  // before 1970: no platform time value
   EXPECT_EQ(text, "");
-}
-
-// The locale's own description formats like the platform, so the portable formatter and the
-// platform read the pictures alike.
-TEST_F(UserLocaleTexts, DescriptionOfTheUserLocaleFormatsLikeThePlatform) {
-  const std::optional<LocaleDescription> user = DescribePlatformLocale("");
-  ASSERT_TRUE(user.has_value());
   EXPECT_EQ(user->shortDate, LocaleInfo(LOCALE_SSHORTDATE));
   EXPECT_EQ(user->dayNames[0], LocaleInfo(LOCALE_SDAYNAME7));  // Sunday first
   EXPECT_EQ(user->dayAbbreviations[1], LocaleInfo(LOCALE_SABBREVDAYNAME1));
   EXPECT_EQ(user->monthNames[11], LocaleInfo(LOCALE_SMONTHNAME12));
   EXPECT_EQ(user->pmDesignator, LocaleInfo(LOCALE_S2359));
-  const DescribedLocale described(*user);
-  for (const TimeValue time : kTimes) {
-    const SYSTEMTIME s = SystemTimeOf(time);
-    const CalendarTime t = CalendarFromSeconds(time);
-    std::string shortDate, longDate, timeOfDay;
-    described.FormatDate(t, kShortDateFlag, {}, shortDate);
-    described.FormatDate(t, kLongDateFlag, {}, longDate);
-    described.FormatTime(t, {}, timeOfDay);
-    EXPECT_EQ(shortDate, PlatformDate(s, DATE_SHORTDATE)) << time;
-    EXPECT_EQ(longDate, PlatformDate(s, DATE_LONGDATE)) << time;
-    EXPECT_EQ(timeOfDay, PlatformTime(s)) << time;
-  }
   const std::optional<LocaleDescription> german = DescribePlatformLocale("de-DE");
   ASSERT_TRUE(german.has_value());
   EXPECT_EQ(LongDateFromShortDate(german->shortDate), "dddd, d MMMM yyyy");  // day first

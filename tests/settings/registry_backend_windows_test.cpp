@@ -11,6 +11,7 @@
 #include <memory>
 #include <string>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 
 #include "velquor/settings/file_settings_backend.h"
@@ -37,41 +38,28 @@ class RegistryStore : public ::testing::Test {
               ERROR_SUCCESS);
     ::RegCloseKey(key);
   }
-  // Whether the key `below` the scratch root exists.
-  bool KeyExists(const std::string& below) const {
+  // The key `below` the scratch root, closed when dropped; null if it cannot be opened.
+  std::unique_ptr<std::remove_pointer_t<HKEY>, decltype(&::RegCloseKey)> Open(
+      const std::string& below, REGSAM access = KEY_READ) const {
     HKEY key = nullptr;
-    if (::RegOpenKeyExA(HKEY_CURRENT_USER, (root_ + "\\" + below).c_str(), 0, KEY_READ, &key) !=
-        ERROR_SUCCESS) {
-      return false;
-    }
-    ::RegCloseKey(key);
-    return true;
+    ::RegOpenKeyExA(HKEY_CURRENT_USER, (root_ + below).c_str(), 0, access, &key);
+    return {key, &::RegCloseKey};
   }
   // Type and size of a value of the "Diagnostics" section as the registry reports them.
   std::pair<DWORD, DWORD> TypeAndSize(const char* name) const {
-    DWORD type = 0;
-    DWORD size = 0;
-    HKEY key = nullptr;
-    if (::RegOpenKeyExA(HKEY_CURRENT_USER, (root_ + kSection).c_str(), 0, KEY_READ, &key) ==
-        ERROR_SUCCESS) {
-      EXPECT_EQ(::RegQueryValueExA(key, name, nullptr, &type, nullptr, &size), ERROR_SUCCESS);
-      ::RegCloseKey(key);
-    }
+    DWORD type = 0, size = 0;
+    EXPECT_EQ(::RegQueryValueExA(Open(kSection).get(), name, nullptr, &type, nullptr, &size),
+              ERROR_SUCCESS);
     return {type, size};
   }
   // Stores raw bytes with the registry's own call, past the library. A non-zero byte after the
   // data keeps the call from adding a terminating zero to a string.
   void SetRaw(const char* name, DWORD type, std::string bytes) {
-    HKEY key = nullptr;
-    ASSERT_EQ(::RegOpenKeyExA(HKEY_CURRENT_USER, (root_ + kSection).c_str(), 0, KEY_SET_VALUE,
-                              &key),
-              ERROR_SUCCESS);
     const auto size = static_cast<DWORD>(bytes.size());
     bytes.push_back('\xFF');
-    EXPECT_EQ(::RegSetValueExA(key, name, 0, type, reinterpret_cast<const BYTE*>(bytes.data()),
-                               size),
+    EXPECT_EQ(::RegSetValueExA(Open(kSection, KEY_SET_VALUE).get(), name, 0, type,
+                               reinterpret_cast<const BYTE*>(bytes.data()), size),
               ERROR_SUCCESS);
-    ::RegCloseKey(key);
   }
 
   static constexpr const char* kSection = "\\Software\\Palomerix\\Quelmark\\Diagnostics";
@@ -83,17 +71,14 @@ class RegistryStore : public ::testing::Test {
 TEST_F(RegistryStore, SoftwareIsOpenedAndTheKeysBelowItCreated) {
   EXPECT_EQ(GetRegistryInt("Diagnostics", "General", -1), -1);
   EXPECT_FALSE(SetRegistryInt("Diagnostics", "General", 0));
-  EXPECT_FALSE(KeyExists("Software"));
+  EXPECT_FALSE(Open("\\Software"));
   CreateSoftwareKey();
   EXPECT_EQ(GetRegistryInt("Diagnostics", "General", -1), -1);
-  EXPECT_TRUE(KeyExists("software\\Palomerix\\Quelmark\\Diagnostics"));
+  const auto section = Open("\\software\\Palomerix\\Quelmark\\Diagnostics");
+  ASSERT_TRUE(section);
   DWORD values = 99;
-  HKEY key = nullptr;
-  ASSERT_EQ(::RegOpenKeyExA(HKEY_CURRENT_USER, (root_ + kSection).c_str(), 0, KEY_READ, &key),
-            ERROR_SUCCESS);
-  ::RegQueryInfoKeyA(key, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &values, nullptr,
-                     nullptr, nullptr, nullptr);
-  ::RegCloseKey(key);
+  ::RegQueryInfoKeyA(section.get(), nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &values,
+                     nullptr, nullptr, nullptr, nullptr);
   EXPECT_EQ(values, 0u);
   EXPECT_EQ(kSettingsKeyAccess, static_cast<std::uint32_t>(KEY_READ | KEY_WRITE));
 }

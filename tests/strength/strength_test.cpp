@@ -5,6 +5,7 @@
 #include <cmath>
 #include <sstream>
 
+#include "archive_test_support.h"
 #include "tolerances.h"
 #include "velquor/colorimetry/weight_table_cache.h"
 #include "velquor/frame/archive.h"
@@ -226,13 +227,9 @@ TEST(AdjustToStrength, RescalesAbsorption) {
 TEST(StrengthSettings, ArchiveRoundTripKeepsEveryField) {
   CStrengthSettings a = Method(14, 520), loaded;
   a.targetPercent = 95.5, a.saundersonOn = 1, a.k1 = 0.04, a.k2 = 0.6;
-  std::ostringstream stored;
-  CArchive out(stored);
-  a.Serialize(out);
-  EXPECT_EQ(stored.str().size(), 4u + 4u + 8u + 4u + 8u + 8u);
-  std::istringstream source(stored.str());
-  CArchive in(source);
-  loaded.Serialize(in);
+  const std::string stored = test::Stored(a);
+  EXPECT_EQ(stored.size(), 4u + 4u + 8u + 4u + 8u + 8u);
+  test::Load(loaded, stored);
   EXPECT_TRUE(loaded == a);
 }
 

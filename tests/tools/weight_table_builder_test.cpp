@@ -3,13 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "reference_table.h"
+#include "scratch_folder.h"
 #include "tolerances.h"
 
 namespace wt = velquor::weight_tables;
@@ -21,11 +20,6 @@ const std::filesystem::path kWeightsDir = kRoot / "velquor/resources/weights";
 
 using velquor::test::kExactFormula;
 using velquor::test::kIndependent;  // the reference weights are printed to 10 decimals
-
-std::string ReadText(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
 
 double Quadratic(double x) {
   return 3.0 - 0.7 * x + 0.05 * x * x;
@@ -110,7 +104,7 @@ class CommittedTables : public testing::Test {
     built_ = wt::BuildAllWeightTables(wt::LoadCieData(kRoot / "velquor/resources/cie"));
   }
   static std::string Committed(int illuminant, int degrees) {
-    return ReadText(kWeightsDir / wt::ResourceName(illuminant, degrees));
+    return velquor::test::ReadFile(kWeightsDir / wt::ResourceName(illuminant, degrees));
   }
   static inline std::vector<wt::WeightTable> built_;
 };
@@ -122,7 +116,7 @@ TEST_F(CommittedTables, RegeneratedTablesMatchCommittedFilesByteForByte) {
     EXPECT_EQ(Committed(t.illuminant, t.observerDegrees), std::string(bytes.begin(), bytes.end()))
         << wt::ResourceName(t.illuminant, t.observerDegrees);
   }
-  EXPECT_EQ(ReadText(kWeightsDir / "README.md"), wt::ProvenanceMarkdown(built_));
+  EXPECT_EQ(velquor::test::ReadFile(kWeightsDir / "README.md"), wt::ProvenanceMarkdown(built_));
 }
 
 TEST_F(CommittedTables, MatchReferenceWeights) {
