@@ -170,7 +170,7 @@ void IntegrateXYZ(const double* table, const double* spectra, std::size_t count,
 int SimdLevelCount() { return 1 + static_cast<int>(Targets().size()); }
 
 const char* SimdLevelName(int level) {
-  if (level == 0) return "scalar";
+  if (level == 0) return "portable";
   const std::vector<std::int64_t> targets = Targets();
   if (level < 0 || static_cast<std::size_t>(level) > targets.size()) return "";
   return hwy::TargetName(targets[static_cast<std::size_t>(level) - 1]);
@@ -188,7 +188,7 @@ void SetSimdLevelForTesting(int level) {
 
 const char* ActiveSimdLevelName() {
   const std::int64_t forced = forcedTarget.load();
-  if (forced < 0) return "scalar";
+  if (forced < 0) return "portable";
   return hwy::TargetName(forced != 0 ? forced : hwy::SupportedAndGeneratedTargets().front());
 }
 
@@ -201,11 +201,11 @@ void IntegrateXYZ(const double* table, const double* spectra, std::size_t count,
 
 int SimdLevelCount() { return 1; }
 
-const char* SimdLevelName(int level) { return level == 0 ? "scalar" : ""; }
+const char* SimdLevelName(int level) { return level == 0 ? "portable" : ""; }
 
 void SetSimdLevelForTesting(int /*level*/) {}
 
-const char* ActiveSimdLevelName() { return "scalar"; }
+const char* ActiveSimdLevelName() { return "portable"; }
 
 #endif  // VELQUOR_HAVE_HWY
 
