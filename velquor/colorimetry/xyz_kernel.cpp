@@ -78,32 +78,38 @@ using V = hn::Vec<D>;
 constexpr std::size_t kLanes = hn::MaxLanes(D());
 static_assert(kWeightTableBands % kLanes == 0, "bands come in whole blocks of kLanes");
 
-// Turns the rows r[k] = bands b .. b + kLanes - 1 of curve k into the columns r[j] = band b + j
-// of curves 0 .. kLanes - 1. The rows are contiguous loads, far cheaper than strided gathers.
-HWY_INLINE void Transpose(V* r) {
-#if HWY_TARGET == HWY_SCALAR
-  (void)r;  // one lane: the row is the column
-#else
+// Loads bands b .. b + kLanes - 1 of the kLanes curves at `curve` (stride apart) as columns:
+// col[j] holds band b + j of curves 0 .. kLanes - 1. Contiguous loads and shuffles, far
+// cheaper than strided gathers; with four lanes, each pair of bands of two curves is one
+// 128-bit load into a vector half.
+HWY_INLINE void LoadColumns(const double* curve, std::size_t stride, std::size_t b, V* col) {
   const D d;
+#if HWY_TARGET == HWY_SCALAR
+  (void)d;
+  (void)stride;
+  col[0] = hn::LoadU(d, curve + b);
+#else
   if constexpr (kLanes == 4) {
-    const V t0 = hn::InterleaveLower(d, r[0], r[1]);  // r0[0] r1[0] r0[2] r1[2]
-    const V t1 = hn::InterleaveUpper(d, r[0], r[1]);  // r0[1] r1[1] r0[3] r1[3]
-    const V t2 = hn::InterleaveLower(d, r[2], r[3]);
-    const V t3 = hn::InterleaveUpper(d, r[2], r[3]);
-    r[0] = hn::ConcatLowerLower(d, t2, t0);
-    r[1] = hn::ConcatLowerLower(d, t3, t1);
-    r[2] = hn::ConcatUpperUpper(d, t2, t0);
-    r[3] = hn::ConcatUpperUpper(d, t3, t1);
+    const hn::Half<D> dh;
+    for (std::size_t p = 0; p < 4; p += 2) {
+      const double* band = curve + b + p;
+      // curve 0 bands p, p + 1 | curve 2 bands p, p + 1; likewise curves 1 and 3
+      const V t0 = hn::Combine(d, hn::LoadU(dh, band + 2 * stride), hn::LoadU(dh, band));
+      const V t1 = hn::Combine(d, hn::LoadU(dh, band + 3 * stride), hn::LoadU(dh, band + stride));
+      col[p] = hn::InterleaveLower(d, t0, t1);
+      col[p + 1] = hn::InterleaveUpper(d, t0, t1);
+    }
   } else if constexpr (kLanes == 2) {
-    const V t0 = hn::InterleaveLower(d, r[0], r[1]);
-    r[1] = hn::InterleaveUpper(d, r[0], r[1]);
-    r[0] = t0;
+    const V r0 = hn::LoadU(d, curve + b);
+    const V r1 = hn::LoadU(d, curve + stride + b);
+    col[0] = hn::InterleaveLower(d, r0, r1);
+    col[1] = hn::InterleaveUpper(d, r0, r1);
+  } else {
+    col[0] = hn::LoadU(d, curve + b);
   }
 #endif
 }
 
-// X, Y, Z of kLanes consecutive curves. Each lane runs the sums of IntegrateOne in the same
-// order with the same roundings.
 // `weights` holds each of the 120 weights repeated in kLanes doubles, so that every multiply
 // takes its weight straight from memory instead of broadcasting it first.
 HWY_INLINE void IntegrateGroup(const double* weights, const double* spectra,
@@ -114,8 +120,7 @@ HWY_INLINE void IntegrateGroup(const double* weights, const double* spectra,
   V sx = hn::Zero(d), sy = hn::Zero(d), sz = hn::Zero(d), first = hn::Zero(d);
   for (std::size_t b = 0; b < kWeightTableBands; b += kLanes) {
     V r[kLanes];
-    for (std::size_t k = 0; k < kLanes; ++k) r[k] = hn::LoadU(d, spectra + k * spectrumStride + b);
-    Transpose(r);
+    LoadColumns(spectra, spectrumStride, b, r);
     if (b == 0) first = r[0];
     for (std::size_t j = 0; j < kLanes; ++j) {
       const std::size_t w = (b + j) * kLanes;
