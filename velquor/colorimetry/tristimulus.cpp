@@ -9,9 +9,10 @@ namespace velquor {
 
 namespace {
 
-// Curves per chunk of a batch: one weighted sum of 3 x 40 products takes some 40-60 ns, so a
-// chunk is about 100 microseconds of work, well above the cost of waking a worker. Batches of
-// at most this many curves run in the calling thread.
+// Curves per chunk of a batch: one weighted sum of 3 x 40 products takes some 15-50 ns (the
+// vector kernel of xyz_kernel.h from memory, or the portable loop), so a chunk is some 30-100
+// microseconds of work, well above the cost of waking a worker. Batches of at most this many
+// curves run in the calling thread.
 constexpr std::size_t kXYZChunk = 2048;
 
 }  // namespace

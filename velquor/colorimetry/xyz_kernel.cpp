@@ -5,8 +5,8 @@
 // roundings, never one fused multiply-add, at every level (the AVX2 and AVX-512 forms are
 // compiled for CPUs that have FMA), or the levels would differ from each other in the last bit.
 //
-// Why Highway rather than SLEEF: the kernel needs only multiply, add, compare, select and
-// strided loads, which Highway provides portably together with per-function dispatch over
+// Why Highway rather than SLEEF: the kernel needs only loads, shuffles, multiply, add,
+// compare and select, which Highway provides portably together with per-function dispatch over
 // the targets compiled into one binary (foreach_target.h, HWY_DYNAMIC_DISPATCH). SLEEF is a
 // library of vectorised elementary functions (exp, pow, sin, ...); it has no portable
 // arithmetic layer of its own and its dispatch covers only its own functions, so the kernel
@@ -85,7 +85,6 @@ static_assert(kWeightTableBands % kLanes == 0, "bands come in whole blocks of kL
 HWY_INLINE void LoadColumns(const double* curve, std::size_t stride, std::size_t b, V* col) {
   const D d;
 #if HWY_TARGET == HWY_SCALAR
-  (void)d;
   (void)stride;
   col[0] = hn::LoadU(d, curve + b);
 #else
