@@ -19,10 +19,9 @@ using Limits = std::numeric_limits<double>;
 
 // Values a lane could get wrong: signed zeros, subnormals, overflow to infinity (and
 // inf - inf), negatives, and the edges of the missing band, which are ordinary numbers.
-constexpr double kSpecial[] = {0.0,         -0.0,       1e300,          -1e300,
-                               Limits::max(), Limits::infinity(), -Limits::infinity(),
-                               Limits::denorm_min(), 2.2e-310, -3.5,  kMissingLow,
-                               kMissingHigh, kMissing,   1.0005e-05};
+constexpr double kSpecial[] = {
+    0.0, -0.0, 1e300, -1e300, Limits::max(), Limits::infinity(), -Limits::infinity(),
+    Limits::denorm_min(), 2.2e-310, -3.5, kMissingLow, kMissingHigh, kMissing, 1.0005e-05};
 
 // First points that make a curve missing, or only just not.
 constexpr double kFirst[] = {kMissing, 1.0005e-05, kMissingLow, kMissingHigh, -kMissing};
@@ -52,8 +51,8 @@ struct Layout {
   std::size_t count, spectrumStride, xyzStride;
 };
 
-constexpr Layout kLayouts[] = {{1, 40, 3},  {3, 40, 3},  {5, 41, 3},  {7, 40, 5},
-                               {8, 40, 3},  {9, 47, 4},  {13, 64, 3}, {16, 80, 6},
+constexpr Layout kLayouts[] = {{1, 40, 3},         {3, 40, 3},        {5, 41, 3},  {7, 40, 5},
+                               {8, 40, 3},         {9, 47, 4},        {13, 64, 3}, {16, 80, 6},
                                {kPoolSize, 40, 3}, {kPoolSize, 53, 7}};
 
 constexpr double kUnread = Limits::quiet_NaN();  // padding between curves, never summed
@@ -62,8 +61,8 @@ constexpr double kUntouched = -777.0;            // output slots the batch must 
 // Runs ComputeXYZBatch at `level` over the first layout.count pool curves laid out with the
 // layout's strides and checks every result bit for bit against ComputeXYZ on the same curve
 // with the portable loop, and that no output slot outside X, Y, Z of a curve was written.
-void ExpectBatchMatchesComputeXYZ(int level, const std::vector<double>& pool,
-                                  const Layout& layout, int illuminant, int observer) {
+void ExpectBatchMatchesComputeXYZ(int level, const std::vector<double>& pool, const Layout& layout,
+                                  int illuminant, int observer) {
   const auto [count, spectrumStride, xyzStride] = layout;
   SetSimdLevelForTesting(0);
   std::vector<CValueVector3> expected(count);
@@ -78,8 +77,8 @@ void ExpectBatchMatchesComputeXYZ(int level, const std::vector<double>& pool,
     for (std::size_t i = 0; i < 40; ++i) spectra[n * spectrumStride + i] = pool[n * 40 + i];
   }
   std::vector<double> xyz(count * xyzStride + 8, kUntouched);
-  ASSERT_EQ(ComputeXYZBatch(spectra.data(), count, spectrumStride, illuminant, observer,
-                            xyz.data(), xyzStride),
+  ASSERT_EQ(ComputeXYZBatch(spectra.data(), count, spectrumStride, illuminant, observer, xyz.data(),
+                            xyzStride),
             1);
   for (std::size_t n = 0; n < count; ++n) {
     for (std::size_t c = 0; c < xyzStride; ++c) {
@@ -92,34 +91,25 @@ void ExpectBatchMatchesComputeXYZ(int level, const std::vector<double>& pool,
   for (std::size_t k = count * xyzStride; k < xyz.size(); ++k) ASSERT_EQ(xyz[k], kUntouched);
 }
 
-// Each level the machine offers (level 0, the portable loop, everywhere) in turn.
+// Each level the machine offers (level 0, the portable loop, everywhere) in turn, over every
+// illuminant/observer pair; the pairs take the layouts in turn, each layout meeting 3 or 4.
 class XYZKernelLevel : public ::testing::TestWithParam<int> {
- protected:
-  void SetUp() override { SetSimdLevelForTesting(GetParam()); }
   void TearDown() override { SetSimdLevelForTesting(-1); }
 };
 
-TEST_P(XYZKernelLevel, RunsTheLevelItWasSetTo) {
-  EXPECT_STREQ(ActiveSimdLevelName(), SimdLevelName(GetParam()));
-}
-
-TEST_P(XYZKernelLevel, BatchIsBitIdenticalToComputeXYZForEveryCountAndStride) {
+TEST_P(XYZKernelLevel, BatchIsBitIdenticalToComputeXYZ) {
   const std::vector<double> pool = MakePool();
-  for (const Layout& layout : kLayouts) {
-    SCOPED_TRACE(testing::Message() << "count " << layout.count << ", strides "
-                                    << layout.spectrumStride << "/" << layout.xyzStride);
-    ExpectBatchMatchesComputeXYZ(GetParam(), pool, layout, 2, 1);
-  }
-}
-
-TEST_P(XYZKernelLevel, BatchIsBitIdenticalToComputeXYZForEveryIlluminantAndObserver) {
-  const std::vector<double> pool = MakePool();
+  std::size_t k = 0;
   for (int illuminant = 0; illuminant <= 16; ++illuminant) {
     for (int observer = 0; observer <= 1; ++observer) {
-      SCOPED_TRACE(testing::Message() << "illuminant " << illuminant << ", observer " << observer);
-      ExpectBatchMatchesComputeXYZ(GetParam(), pool, {kPoolSize, 41, 3}, illuminant, observer);
+      const Layout& layout = kLayouts[k++ % std::size(kLayouts)];
+      SCOPED_TRACE(testing::Message() << "illuminant " << illuminant << ", observer " << observer
+                                      << ", count " << layout.count << ", strides "
+                                      << layout.spectrumStride << "/" << layout.xyzStride);
+      ExpectBatchMatchesComputeXYZ(GetParam(), pool, layout, illuminant, observer);
     }
   }
+  EXPECT_STREQ(ActiveSimdLevelName(), SimdLevelName(GetParam()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Levels, XYZKernelLevel, ::testing::Range(0, SimdLevelCount()),
