@@ -1,9 +1,12 @@
 // Throughput of the colorimetric hot path: spectra -> XYZ and XYZ -> CIELAB, with LittleCMS's
 // cmsXYZ2Lab on the same data as the peer, and spectra -> CIELAB over one million spectra at 1
-// and 2 batch threads side by side. Run: build/release/bench/velquor_bench_colorimetry
+// and 2 batch threads side by side. Spectra -> XYZ on one core is also measured against the
+// memory bandwidth of the same pass (counter "ratio", 1 = as fast as reading the spectra), at
+// every SIMD level the machine has. Run: build/release/bench/velquor_bench_colorimetry
 #include <benchmark/benchmark.h>
 #include <lcms2.h>
 
+#include <chrono>
 #include <cstddef>
 #include <random>
 #include <vector>
@@ -11,6 +14,7 @@
 #include "velquor/colorimetry/lab_batch.h"
 #include "velquor/colorimetry/tristimulus.h"
 #include "velquor/colorimetry/weight_table_cache.h"
+#include "velquor/colorimetry/xyz_kernel.h"
 #include "velquor/data/value_vectors.h"
 #include "velquor/frame/batch_threads.h"
 #include "velquor/velquor_c.h"
@@ -56,6 +60,63 @@ void BM_SpectraToXYZ(benchmark::State& state) {
   state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * count));
 }
 BENCHMARK(BM_SpectraToXYZ)->Arg(100000);
+
+// The bandwidth anchor: reads every double of the spectra once and sums it, with eight
+// independent sums so that the adds keep pace with memory. No pass over the spectra can be
+// faster on one core.
+#if defined(__GNUC__)
+__attribute__((noinline))
+#endif
+double SumAll(const double* values, std::size_t count) {
+  double sums[8] = {};
+  for (std::size_t i = 0; i + 8 <= count; i += 8) {
+    for (std::size_t k = 0; k < 8; ++k) sums[k] += values[i + k];
+  }
+  double total = 0.0;
+  for (double s : sums) total += s;
+  return total;
+}
+
+double Seconds(std::chrono::steady_clock::time_point start) {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// Spectra -> XYZ on one thread at SIMD level range(1) against the bandwidth anchor on the same
+// memory, the two passes alternating in every iteration so that both see the same machine
+// load. The time reported is that of spectra -> XYZ; "ratio" is anchor time / XYZ time, the
+// fraction of the memory-bound speed that spectra -> XYZ reaches. The label names the level.
+void BM_SpectraToXYZ_VsBandwidth(benchmark::State& state) {
+  const auto count = static_cast<std::size_t>(state.range(0));
+  const std::vector<double> spectra = MakeSpectra(count);
+  std::vector<double> xyz(count * 3);
+  velquor::SetBatchThreads(1);
+  velquor::SetSimdLevelForTesting(static_cast<int>(state.range(1)));
+  double anchorSeconds = 0.0, xyzSeconds = 0.0;
+  for (auto _ : state) {
+    auto start = std::chrono::steady_clock::now();
+    benchmark::DoNotOptimize(SumAll(spectra.data(), spectra.size()));
+    anchorSeconds += Seconds(start);
+    start = std::chrono::steady_clock::now();
+    velquor::ComputeXYZBatch(spectra.data(), count, 40, kD65, k10Degree, xyz.data(), 3);
+    benchmark::DoNotOptimize(xyz.data());
+    benchmark::ClobberMemory();
+    const double seconds = Seconds(start);
+    xyzSeconds += seconds;
+    state.SetIterationTime(seconds);
+  }
+  state.SetLabel(velquor::ActiveSimdLevelName());
+  state.counters["ratio"] = anchorSeconds / xyzSeconds;
+  state.counters["anchor_GBps"] =
+      static_cast<double>(state.iterations() * spectra.size() * sizeof(double)) / anchorSeconds / 1e9;
+  velquor::SetSimdLevelForTesting(-1);
+  velquor::SetBatchThreads(0);
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * count));
+}
+BENCHMARK(BM_SpectraToXYZ_VsBandwidth)
+    ->ArgNames({"spectra", "level"})
+    ->ArgsProduct({{1000000}, benchmark::CreateDenseRange(0, velquor::SimdLevelCount() - 1, 1)})
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
 
 // The fused bulk path (spectrum -> XYZ -> CIELAB per step of 64) at range(1) batch threads.
 // Wall-clock time, since the workers' CPU time is not the caller's.

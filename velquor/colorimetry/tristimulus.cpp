@@ -1,6 +1,7 @@
 #include "velquor/colorimetry/tristimulus.h"
 
 #include "velquor/colorimetry/weight_table_cache.h"
+#include "velquor/colorimetry/xyz_kernel.h"
 #include "velquor/frame/numeric.h"
 #include "velquor/frame/thread_pool.h"
 
@@ -8,29 +9,11 @@ namespace velquor {
 
 namespace {
 
-// Curves per chunk of a batch: one weighted sum of 3 x 40 products takes some 40-60 ns, so a
-// chunk is about 100 microseconds of work, well above the cost of waking a worker. Batches of
-// at most this many curves run in the calling thread.
+// Curves per chunk of a batch: one weighted sum of 3 x 40 products takes some 15-50 ns (the
+// vector kernel of xyz_kernel.h from memory, or the portable loop), so a chunk is some 30-100
+// microseconds of work, well above the cost of waking a worker. Batches of at most this many
+// curves run in the calling thread.
 constexpr std::size_t kXYZChunk = 2048;
-
-// The one summation both entry points share. Kept out of line so that the single and the
-// batch form run the same machine code (no call-site-dependent contraction into fused
-// multiply-adds), which makes their results bit-identical.
-#if defined(__GNUC__)
-__attribute__((noinline))
-#endif
-void Integrate(const double* table, const double* reflectance, double* out) {
-  if (IsMissing(reflectance[0])) {
-    out[0] = out[1] = out[2] = kMissing;
-    return;
-  }
-  for (std::size_t c = 0; c < 3; ++c) {
-    const double* weights = table + c * kWeightTableBands;
-    double sum = 0.0;
-    for (std::size_t i = 0; i < kWeightTableBands; ++i) sum += weights[i] * reflectance[i];
-    out[c] = sum * kPercentToFactor;
-  }
-}
 
 }  // namespace
 
@@ -48,7 +31,7 @@ void ComputeXYZ(const CKSData& spectrum, int illuminant, int observer, CValueVec
     out[0] = out[1] = out[2] = kMissing;
     return;
   }
-  Integrate(table, spectrum.GetData(), out);
+  IntegrateXYZ(table, spectrum.GetData(), 1, CKSData::kLength, out, CValueVector3::kLength);
 }
 
 int ComputeXYZBatch(const double* spectra, std::size_t count, std::size_t spectrumStride,
@@ -64,9 +47,8 @@ int ComputeXYZBatch(const double* spectra, std::size_t count, std::size_t spectr
     return 0;
   }
   ParallelFor(count, kXYZChunk, [&](std::size_t begin, std::size_t end) {
-    for (std::size_t n = begin; n < end; ++n) {
-      Integrate(table, spectra + n * spectrumStride, xyz + n * xyzStride);
-    }
+    IntegrateXYZ(table, spectra + begin * spectrumStride, end - begin, spectrumStride,
+                 xyz + begin * xyzStride, xyzStride);
   });
   return 1;
 }
