@@ -1,18 +1,3 @@
-# Cross-compiling for Windows with Debian's mingw-w64 (the POSIX-threads variant, which
-# std::thread and std::mutex need). Test programs run under Debian's Wine through
-# tools/wine_run.
-set(CMAKE_SYSTEM_NAME Windows)
-set(CMAKE_SYSTEM_PROCESSOR x86_64)
-set(VELQUOR_MINGW_PREFIX x86_64-w64-mingw32)
-
-set(CMAKE_C_COMPILER ${VELQUOR_MINGW_PREFIX}-gcc-posix)
-set(CMAKE_CXX_COMPILER ${VELQUOR_MINGW_PREFIX}-g++-posix)
-set(CMAKE_RC_COMPILER ${VELQUOR_MINGW_PREFIX}-windres)
-
-set(CMAKE_FIND_ROOT_PATH /usr/${VELQUOR_MINGW_PREFIX})
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-
-set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../../tools/wine_run)
+# Windows x64 (64-bit) with mingw-w64: see mingw-w64.cmake.
+set(VELQUOR_MINGW_PROCESSOR x86_64)
+include(${CMAKE_CURRENT_LIST_DIR}/mingw-w64.cmake)
