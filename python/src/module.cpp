@@ -10,6 +10,7 @@
 
 #include "arrays.h"
 #include "velquor/colorimetry/illuminants.h"
+#include "velquor/frame/batch_threads.h"
 #include "velquor/frame/resources.h"
 #include "velquor/frame/version.h"
 
@@ -57,6 +58,8 @@ PYBIND11_MODULE(_velquor, m) {
         "The running library's version, \"major.minor.patch\".");
   m.def("string", &vp::LoadString, py::arg("id"),
         "Text of string `id` of the library's string table, or None.");
+  m.def("set_batch_threads", &velquor::SetBatchThreads, py::arg("threads"));
+  m.def("batch_threads", &velquor::BatchThreads);
   m.def("illuminant_codes", &vp::IlluminantCodes);
   m.def("illuminant_names", &vp::IlluminantNames);
   vp::BindColorimetry(m);

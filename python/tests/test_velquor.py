@@ -47,6 +47,20 @@ def test_xyz_is_the_weighted_sum_of_the_table_for_any_layout_and_keeps_missing_r
     assert vq.is_missing(vq.difference([vq.MISSING, 0.0, 0.0], [50.0, 1.0, 1.0], "cmc")).all()
 
 
+def test_batch_threads_change_the_speed_not_the_numbers():
+    rng = np.random.default_rng(7)
+    spectra = rng.uniform(2.0, 95.0, size=(5000, vq.SPECTRUM_POINTS))
+    results = []
+    for threads in (1, 2, 8):
+        vq.set_batch_threads(threads)
+        assert vq.batch_threads() == threads
+        results.append(vq.lab(vq.xyz(spectra, "D65", 10), "D65", 10))
+    vq.set_batch_threads(100000)
+    assert vq.batch_threads() == 64
+    vq.set_batch_threads(0)
+    assert all(np.array_equal(results[0], r) for r in results[1:])
+
+
 def test_lab_din99_and_chroma_hue_by_hand():
     # Y / Yn = (66/116)^3 gives L* = 50 exactly, a* = b* = 0 on the grey axis.
     white = vq.white_point("D50", 2)

@@ -28,7 +28,7 @@ from . import _velquor
 __license__ = "MIT"
 
 __all__ = [
-    "MISSING", "is_missing", "version", "string", "illuminants", "illuminant_index",
+    "MISSING", "is_missing", "version", "string", "set_batch_threads", "batch_threads", "illuminants", "illuminant_index",
     "observer_code", "system_code", "weight_table", "white_point", "xyz", "lab", "luv",
     "hunter_lab", "din99", "chroma_hue", "difference", "delta_e", "difference_labels",
     "whiteness", "yellowness", "tint", "filter_value", "indices", "strength",
@@ -51,6 +51,18 @@ def is_missing(values):
 def version():
     """The running library's version, "major.minor.patch"."""
     return _velquor.version()
+
+
+def set_batch_threads(threads):
+    """Sets how many threads the batch functions (xyz, lab, difference, ...) use for large
+    inputs: 0 (the default) one per processor, 1 only the calling thread, at most 64. Results
+    are the same, bit for bit, at every thread count."""
+    _velquor.set_batch_threads(_integer(threads, "threads"))
+
+
+def batch_threads():
+    """The thread count the batch functions use now (0 resolved to the processors, capped)."""
+    return _velquor.batch_threads()
 
 
 def string(id):
