@@ -15,6 +15,7 @@
 #include "velquor/colorimetry/tristimulus.h"
 #include "velquor/colorimetry/weight_table_cache.h"
 #include "velquor/colorimetry/xyz_kernel.h"
+#include "velquor/frame/simd_dispatch.h"
 #include "velquor/data/value_vectors.h"
 #include "velquor/frame/batch_threads.h"
 #include "velquor/velquor_c.h"

@@ -1,4 +1,5 @@
 #include "velquor/colorimetry/xyz_kernel.h"
+#include "velquor/frame/simd_dispatch.h"
 
 #include <gtest/gtest.h>
 

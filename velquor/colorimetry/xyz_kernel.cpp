@@ -19,13 +19,11 @@
 
 #include "velquor/colorimetry/xyz_kernel.h"
 
-#include <atomic>
-#include <cstdint>
-#include <vector>
 
 #include "velquor/colorimetry/tristimulus.h"
 #include "velquor/colorimetry/weight_table_cache.h"
 #include "velquor/frame/numeric.h"
+#include "velquor/frame/simd_dispatch.h"
 
 namespace velquor {
 namespace {
@@ -204,59 +202,10 @@ namespace velquor {
 
 HWY_EXPORT(IntegrateVector);
 
-namespace {
-
-// 0: the best level (Highway's own choice); -1: the scalar loop; otherwise one Highway target.
-std::atomic<std::int64_t> forcedTarget{0};
-
-// Level 0 is the scalar loop; levels 1.. are the targets compiled here that the CPU has,
-// worst first.
-std::vector<std::int64_t> Targets() {
-  std::vector<std::int64_t> targets = hwy::SupportedAndGeneratedTargets();  // best first
-  return {targets.rbegin(), targets.rend()};
-}
-
-}  // namespace
-
 void IntegrateXYZ(const double* table, const double* spectra, std::size_t count,
                   std::size_t spectrumStride, double* xyz, std::size_t xyzStride) {
-  const std::int64_t forced = forcedTarget.load(std::memory_order_relaxed);
-  if (forced == 0) {
-    HWY_DYNAMIC_DISPATCH(IntegrateVector)(table, spectra, count, spectrumStride, xyz, xyzStride);
-  } else if (forced < 0) {
-    IntegrateScalar(table, spectra, count, spectrumStride, xyz, xyzStride);
-  } else {
-    // The table entry of one target, without touching Highway's process-wide choice.
-    hwy::ChosenTarget chosen;
-    chosen.Update(forced);
-    HWY_DISPATCH_TABLE(IntegrateVector)[chosen.GetIndex()](table, spectra, count,
-                                                           spectrumStride, xyz, xyzStride);
-  }
-}
-
-int SimdLevelCount() { return 1 + static_cast<int>(Targets().size()); }
-
-const char* SimdLevelName(int level) {
-  if (level == 0) return "portable";
-  const std::vector<std::int64_t> targets = Targets();
-  if (level < 0 || static_cast<std::size_t>(level) > targets.size()) return "";
-  return hwy::TargetName(targets[static_cast<std::size_t>(level) - 1]);
-}
-
-void SetSimdLevelForTesting(int level) {
-  if (level == -1) {
-    forcedTarget.store(0);
-  } else if (level == 0) {
-    forcedTarget.store(-1);
-  } else if (level > 0 && level < SimdLevelCount()) {
-    forcedTarget.store(Targets()[static_cast<std::size_t>(level) - 1]);
-  }
-}
-
-const char* ActiveSimdLevelName() {
-  const std::int64_t forced = forcedTarget.load();
-  if (forced < 0) return "portable";
-  return hwy::TargetName(forced != 0 ? forced : hwy::SupportedAndGeneratedTargets().front());
+  VELQUOR_SIMD_CALL(IntegrateVector, IntegrateScalar, table, spectra, count, spectrumStride, xyz,
+                    xyzStride);
 }
 
 #else  // no Highway: the portable loop only
@@ -265,14 +214,6 @@ void IntegrateXYZ(const double* table, const double* spectra, std::size_t count,
                   std::size_t spectrumStride, double* xyz, std::size_t xyzStride) {
   IntegrateScalar(table, spectra, count, spectrumStride, xyz, xyzStride);
 }
-
-int SimdLevelCount() { return 1; }
-
-const char* SimdLevelName(int level) { return level == 0 ? "portable" : ""; }
-
-void SetSimdLevelForTesting(int /*level*/) {}
-
-const char* ActiveSimdLevelName() { return "portable"; }
 
 #endif  // VELQUOR_HAVE_HWY
 

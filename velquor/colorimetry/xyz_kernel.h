@@ -21,21 +21,4 @@ namespace velquor {
 void IntegrateXYZ(const double* table, const double* spectra, std::size_t count,
                   std::size_t spectrumStride, double* xyz, std::size_t xyzStride);
 
-// The levels IntegrateXYZ can run at on this machine: level 0 is the portable scalar loop,
-// levels 1 .. SimdLevelCount() - 1 the vector forms the CPU supports, worst first, so the
-// last level is the one chosen by default (no vector form without Highway).
-int SimdLevelCount();
-
-// A short name of a level ("portable" for level 0, then Highway's target names: "SSE4",
-// "AVX2", "AVX3" for AVX-512, ...); "" when out of range.
-const char* SimdLevelName(int level);
-
-// Makes later IntegrateXYZ calls run at `level` (0 .. SimdLevelCount() - 1), or at the best
-// level again for -1; other values are ignored. Process-wide, for tests and benchmarks: do
-// not call it while a batch runs.
-void SetSimdLevelForTesting(int level);
-
-// The name of the level IntegrateXYZ runs at now.
-const char* ActiveSimdLevelName();
-
 }  // namespace velquor
