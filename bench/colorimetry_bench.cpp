@@ -11,7 +11,7 @@
 #include <random>
 #include <vector>
 
-#include "velquor/colorimetry/lab_batch.h"
+#include "velquor/colorimetry/coordinate_batch.h"
 #include "velquor/colorimetry/tristimulus.h"
 #include "velquor/colorimetry/weight_table_cache.h"
 #include "velquor/colorimetry/xyz_kernel.h"
@@ -211,5 +211,67 @@ void BM_XYZToLabLCh_LittleCMS(benchmark::State& state) {
   state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * count));
 }
 BENCHMARK(BM_XYZToLabLCh_LittleCMS)->Arg(100000);
+
+// XYZ -> L*, a*, b*, C*ab, hab on one thread at SIMD level range(1) against LittleCMS's
+// cmsXYZ2Lab (L*, a*, b* only) on the same samples, alternating in every iteration. The time
+// reported is velquor's; "ratio" is LittleCMS time / velquor time (2 = twice as fast).
+void BM_XYZToLab_VsLittleCMS(benchmark::State& state) {
+  const auto count = static_cast<std::size_t>(state.range(0));
+  const std::vector<double> xyz = MakeXYZ(count);
+  const LittleCmsInput in = MakeLittleCmsInput(count);
+  const double white[3] = {in.white.X * 100.0, in.white.Y * 100.0, in.white.Z * 100.0};
+  std::vector<double> ours(count * 5);
+  std::vector<cmsCIELab> theirs(count);
+  velquor::SetBatchThreads(1);
+  velquor::SetSimdLevelForTesting(static_cast<int>(state.range(1)));
+  double peerSeconds = 0.0, ourSeconds = 0.0;
+  for (auto _ : state) {
+    auto start = std::chrono::steady_clock::now();
+    for (std::size_t i = 0; i < count; ++i) cmsXYZ2Lab(&in.white, &theirs[i], &in.xyz[i]);
+    benchmark::DoNotOptimize(theirs.data());
+    benchmark::ClobberMemory();
+    peerSeconds += Seconds(start);
+    start = std::chrono::steady_clock::now();
+    velquor::XYZToLabBatch(white, xyz.data(), 3, ours.data(), 5, count);
+    benchmark::DoNotOptimize(ours.data());
+    benchmark::ClobberMemory();
+    const double seconds = Seconds(start);
+    ourSeconds += seconds;
+    state.SetIterationTime(seconds);
+  }
+  state.SetLabel(velquor::ActiveSimdLevelName());
+  state.counters["ratio"] = peerSeconds / ourSeconds;
+  velquor::SetSimdLevelForTesting(-1);
+  velquor::SetBatchThreads(0);
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * count));
+}
+BENCHMARK(BM_XYZToLab_VsLittleCMS)
+    ->ArgNames({"samples", "level"})
+    ->ArgsProduct({{1000000}, benchmark::CreateDenseRange(0, velquor::SimdLevelCount() - 1, 1)})
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+
+// XYZ -> CIELUV on one thread at SIMD level range(1) (LittleCMS has no CIELUV).
+void BM_XYZToLuv(benchmark::State& state) {
+  const auto count = static_cast<std::size_t>(state.range(0));
+  const std::vector<double> xyz = MakeXYZ(count);
+  const double white[3] = {94.811, 100.0, 107.304};
+  std::vector<double> luv(count * 5);
+  velquor::SetBatchThreads(1);
+  velquor::SetSimdLevelForTesting(static_cast<int>(state.range(1)));
+  for (auto _ : state) {
+    velquor::XYZToLuvBatch(white, xyz.data(), 3, luv.data(), 5, count);
+    benchmark::DoNotOptimize(luv.data());
+    benchmark::ClobberMemory();
+  }
+  state.SetLabel(velquor::ActiveSimdLevelName());
+  velquor::SetSimdLevelForTesting(-1);
+  velquor::SetBatchThreads(0);
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * count));
+}
+BENCHMARK(BM_XYZToLuv)
+    ->ArgNames({"samples", "level"})
+    ->ArgsProduct({{1000000}, benchmark::CreateDenseRange(0, velquor::SimdLevelCount() - 1, 1)})
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -37,4 +37,9 @@ inline constexpr double kInterpolated = 1e-6;
 // A root or minimum located by a search to its stated tolerance.
 inline constexpr double kSearch = 1e-9;
 
+// A batch kernel against the scalar function it vectorises: results whose only difference is a
+// vector atan2, sin, cos or exp of a few ulp (relative), or its absolute effect near zero.
+inline constexpr double kBatchRelative = 1e-13;
+inline constexpr double kBatchAbsolute = 1e-12;
+
 }  // namespace velquor::test

@@ -10,7 +10,7 @@
 #include "velquor/colorimetry/chroma_hue.h"
 #include "velquor/colorimetry/din99.h"
 #include "velquor/colorimetry/hunter_lab.h"
-#include "velquor/colorimetry/lab_batch.h"
+#include "velquor/colorimetry/coordinate_batch.h"
 #include "velquor/colorimetry/luv.h"
 #include "velquor/colorimetry/tristimulus.h"
 #include "velquor/colorimetry/weight_table_cache.h"

@@ -10,7 +10,7 @@
 
 #include "colour_space_references.h"
 #include "velquor/colorimetry/hunter_lab.h"
-#include "velquor/colorimetry/lab_batch.h"
+#include "velquor/colorimetry/coordinate_batch.h"
 #include "velquor/colorimetry/weight_table_cache.h"
 
 namespace velquor {
@@ -96,29 +96,6 @@ TEST(LabDifferential, SlopeOfEachBranchAndComponentWiring) {
     for (int k = 0; k < 3; ++k)
       EXPECT_NEAR(d[k], expected[k], test::kExactFormula * (1 + std::abs(expected[k]))) << t << k;
   }
-}
-
-// Random colours and missing samples (one component is enough), into records of 8: exactly the
-// single conversion, the gap untouched.
-TEST(XYZToLabBatch, BitIdenticalToSingleSamplesAndRejectsBadArguments) {
-  const auto& w = kWhites[1];
-  const double white[3] = {w.x, w.y, w.z};
-  std::mt19937_64 rng(7);
-  std::vector<double> in = {kMissing, kMissing, kMissing, 20, kMissing, 20};
-  for (int i = 0; i < 300; ++i) in.push_back(static_cast<double>(rng() >> 11) * 0x1p-53 * 100);
-  const std::size_t count = in.size() / 3;
-  std::vector<double> out(count * 8, -9.0);
-  ASSERT_EQ(XYZToLabBatch(white, in.data(), 3, out.data(), 8, count), count);
-  for (std::size_t i = 0; i < count * 8; ++i) {
-    CValueVector5 single;
-    XYZToLab(Vector3(w), Vector3(in[i / 8 * 3], in[i / 8 * 3 + 1], in[i / 8 * 3 + 2]), single);
-    ASSERT_EQ(out[i], i % 8 < 5 ? single[i % 8] : -9.0) << i;
-  }
-  EXPECT_EQ(XYZToLabBatch(white, in.data(), 2, out.data(), 5, count), 0u);
-  EXPECT_EQ(XYZToLabBatch(white, in.data(), 3, out.data(), 4, count), 0u);
-  EXPECT_EQ(XYZToLabBatch(nullptr, in.data(), 3, out.data(), 5, count), 0u);
-  EXPECT_EQ(XYZToLabBatch(white, in.data(), 3, nullptr, 5, count), 0u);
-  EXPECT_EQ(XYZToLabBatch(white, nullptr, 3, nullptr, 5, 0), 0u);
 }
 
 // The (illuminant, observer) forms read the catalogue's white and, for Hunter Lab, take the

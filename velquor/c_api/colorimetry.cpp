@@ -13,7 +13,7 @@
 #include "velquor/colorimetry/hunter_lab.h"
 #include "velquor/colorimetry/illuminants.h"
 #include "velquor/colorimetry/lab.h"
-#include "velquor/colorimetry/lab_batch.h"
+#include "velquor/colorimetry/coordinate_batch.h"
 #include "velquor/colorimetry/luv.h"
 #include "velquor/colorimetry/reference_white.h"
 #include "velquor/colorimetry/rgb.h"

@@ -6,6 +6,7 @@
 #include "velquor/colorimetry/constants.h"
 #include "velquor/colorimetry/coordinate_record.h"
 #include "velquor/colorimetry/reference_white.h"
+#include "velquor/frame/cube_root.h"
 #include "velquor/frame/numeric.h"
 
 namespace velquor {
@@ -14,7 +15,7 @@ namespace {
 
 // The CIE cube-root function with the library's breakpoint and slope.
 double LabF(double t) {
-  return t <= kLabEpsilon ? kLabSlope * t + kLabOffset : std::pow(t, kOneThird);
+  return t <= kLabEpsilon ? kLabSlope * t + kLabOffset : CubeRoot(t);
 }
 
 // Its inverse with the library's six-digit offset.

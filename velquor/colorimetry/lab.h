@@ -16,8 +16,8 @@ namespace velquor {
 
 // XYZ -> L*, a*, b*, C*ab, hab.
 // f(t) = 7.787 t + 16/116 for t <= 0.008856 (the linear branch includes the breakpoint),
-// t^0.3333333333333333 above it; L* = 116 fY - 16, a* = 500 (fX - fY), b* = 200 (fY - fZ);
-// chroma and hue as ComputeChromaHue. Negative t take the linear branch.
+// CubeRoot(t) (frame/cube_root.h) above it; L* = 116 fY - 16, a* = 500 (fX - fY),
+// b* = 200 (fY - fZ); chroma and hue as ComputeChromaHue. Negative t take the linear branch.
 void XYZToLab(int illuminant, int observer, const CValueVector3& xyz, CValueVector5& lab);
 void XYZToLab(const CValueVector3& white, const CValueVector3& xyz, CValueVector5& lab);
 

@@ -6,6 +6,7 @@
 #include "velquor/colorimetry/constants.h"
 #include "velquor/colorimetry/coordinate_record.h"
 #include "velquor/colorimetry/reference_white.h"
+#include "velquor/frame/cube_root.h"
 #include "velquor/frame/numeric.h"
 
 namespace velquor {
@@ -22,26 +23,8 @@ void XYZToLuvRecord(const double* white, const CValueVector3& xyz, CValueVector5
     FillMissing(luv, CValueVector5::kLength);
     return;
   }
-  const double denominator = UcsDenominator(xyz[0], xyz[1], xyz[2]);
-  const double whiteDenominator = UcsDenominator(white[0], white[1], white[2]);
-  if (IsZero(denominator) || IsZero(whiteDenominator)) {
-    FillMissing(luv, CValueVector5::kLength);
-    return;
-  }
-
-  const double yr = xyz[1] / white[1];
-  const double lStar = yr > kLabEpsilon ? 116.0 * std::pow(yr, kOneThird) - 16.0 : kLuvKappa * yr;
-  const double uPrime = 4.0 * xyz[0] / denominator;
-  const double vPrime = 9.0 * xyz[1] / denominator;
-  const double uPrimeWhite = 4.0 * white[0] / whiteDenominator;
-  const double vPrimeWhite = 9.0 * white[1] / whiteDenominator;
-  const double uStar = 13.0 * lStar * (uPrime - uPrimeWhite);
-  const double vStar = 13.0 * lStar * (vPrime - vPrimeWhite);
   EnsureSize(luv, CValueVector5::kLength);
-  luv[0] = lStar;
-  luv[1] = uStar;
-  luv[2] = vStar;
-  ComputeChromaHue(uStar, vStar, luv[3], luv[4]);
+  XYZToLuv(white, xyz.GetData(), luv.GetData());
 }
 
 void LuvToXYZRecord(const double* white, double lStar, double uStar, double vStar,
@@ -78,6 +61,30 @@ void LuvToXYZRecord(const double* white, double lStar, double uStar, double vSta
 }
 
 }  // namespace
+
+void XYZToLuv(const double white[3], const double xyz[3], double luv[5]) {
+  const double denominator =
+      IsMissingWhite(white) ? 0.0 : UcsDenominator(xyz[0], xyz[1], xyz[2]);
+  const double whiteDenominator =
+      IsMissingWhite(white) ? 0.0 : UcsDenominator(white[0], white[1], white[2]);
+  if (IsMissing(xyz[0]) || IsMissing(xyz[1]) || IsMissing(xyz[2]) || IsZero(denominator) ||
+      IsZero(whiteDenominator)) {
+    for (int i = 0; i < 5; ++i) luv[i] = kMissing;
+    return;
+  }
+  const double yr = xyz[1] / white[1];
+  const double lStar = yr > kLabEpsilon ? 116.0 * CubeRoot(yr) - 16.0 : kLuvKappa * yr;
+  const double uPrime = 4.0 * xyz[0] / denominator;
+  const double vPrime = 9.0 * xyz[1] / denominator;
+  const double uPrimeWhite = 4.0 * white[0] / whiteDenominator;
+  const double vPrimeWhite = 9.0 * white[1] / whiteDenominator;
+  const double uStar = 13.0 * lStar * (uPrime - uPrimeWhite);
+  const double vStar = 13.0 * lStar * (vPrime - vPrimeWhite);
+  luv[0] = lStar;
+  luv[1] = uStar;
+  luv[2] = vStar;
+  ComputeChromaHue(uStar, vStar, luv[3], luv[4]);
+}
 
 void XYZToLuv(int illuminant, int observer, const CValueVector3& xyz, CValueVector5& luv) {
   XYZToLuvRecord(FindReferenceWhite(illuminant, observer), xyz, luv);

@@ -15,11 +15,14 @@
 namespace velquor {
 
 // XYZ -> L*, u*, v*, C*uv, huv.
-// yr = Y / Yn; L* = 116 yr^0.3333333333333333 - 16 when yr > 0.008856, else 903.29 yr.
+// yr = Y / Yn; L* = 116 CubeRoot(yr) - 16 when yr > 0.008856, else 903.29 yr.
 // u' = 4X / (X + 15Y + 3Z), v' = 9Y / (X + 15Y + 3Z), u'n, v'n likewise from the white;
 // u* = 13 L* (u' - u'n), v* = 13 L* (v' - v'n); chroma and hue as ComputeChromaHue.
 void XYZToLuv(int illuminant, int observer, const CValueVector3& xyz, CValueVector5& luv);
 void XYZToLuv(const CValueVector3& white, const CValueVector3& xyz, CValueVector5& luv);
+// The same on plain arrays: white Xn, Yn, Zn (missing values give missing outputs), xyz in,
+// luv[0..4] out.
+void XYZToLuv(const double white[3], const double xyz[3], double luv[5]);
 
 // L*, u*, v* -> XYZ.
 // u' = u'n + u* / (13 L*), v' = v'n + v* / (13 L*);

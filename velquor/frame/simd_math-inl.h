@@ -1,10 +1,11 @@
-// Vector elementary functions for the SIMD kernels, on top of Google Highway's contrib math
-// (whose atan, sin, cos, exp and log are within 1-3 ulp of the C library). Included by kernel
+// Vector elementary functions for the SIMD kernels: the library's cube root, and atan2 on top
+// of Google Highway's contrib math (whose atan, sin, cos, exp and log are within 1-3 ulp of
+// the C library). Included by kernel
 // files once per Highway target, after hwy/highway.h; the guard toggles like Highway's own
 // -inl.h headers.
 //
-// Accuracy: every function here is within a few ulp of the C library's, so a kernel built on
-// them agrees with the library's scalar formulas to about 1e-15 relative. Kernels still decide
+// Accuracy: CubeRootVector gives CubeRoot's bits; Atan2 is within a few ulp of std::atan2, so
+// a kernel built on it agrees with the library's scalar formulas to about 1e-15 relative. Kernels still decide
 // every branch exactly as the scalar code does (see the kernels' Refine steps).
 
 #if defined(VELQUOR_FRAME_SIMD_MATH_INL_H_) == defined(HWY_TARGET_TOGGLE)
@@ -17,6 +18,7 @@
 #include <cstdint>
 
 #include "hwy/contrib/math/math-inl.h"
+#include "velquor/frame/cube_root.h"
 #include "hwy/highway.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -25,19 +27,14 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Cube root of x for positive, normal, finite x (the callers' domain). A first guess from the
-// exponent bits divided by three (as in fdlibm's cbrt, within about 6 %), then three Halley
-// steps y <- y (y^3 + 2x) / (2 y^3 + x), each cubing the relative error: 6e-2, 2e-4, 1e-11,
-// then within an ulp or two of the exact root.
+// CubeRoot (cube_root.h) lane by lane: the same operations in the same order, so the same bits.
 template <class D, class V = hn::Vec<D>>
-HWY_INLINE V Cbrt(D d, V x) {
+HWY_INLINE V CubeRootVector(D d, V x) {
   const hn::RebindToSigned<D> di;
-  const auto bits = hn::BitCast(di, x);
-  const V third = hn::Set(d, 1.0 / 3.0);
-  // 0x2A9F7893 << 32: fdlibm's bias B1, so that the guess lands near the root.
-  const auto guessBits = hn::Add(hn::ConvertTo(di, hn::Mul(hn::ConvertTo(d, bits), third)),
-                                 hn::Set(di, static_cast<std::int64_t>(0x2A9F789300000000LL)));
-  V y = hn::BitCast(d, guessBits);
+  const hn::RebindToUnsigned<D> du;
+  const auto high = hn::BitCast(di, hn::ShiftRight<32>(hn::BitCast(du, x)));
+  const auto third = hn::ConvertTo(di, hn::Mul(hn::ConvertTo(d, high), hn::Set(d, 1.0 / 3.0)));
+  V y = hn::BitCast(d, hn::ShiftLeft<32>(hn::Add(third, hn::Set(di, kCubeRootBias))));
   const V two = hn::Set(d, 2.0);
   for (int step = 0; step < 3; ++step) {
     const V y3 = hn::Mul(hn::Mul(y, y), y);

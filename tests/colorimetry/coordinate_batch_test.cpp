@@ -1,0 +1,194 @@
+#include "velquor/colorimetry/coordinate_batch.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "tests/tolerances.h"
+#include "velquor/colorimetry/constants.h"
+#include "velquor/colorimetry/lab.h"
+#include "velquor/colorimetry/luv.h"
+#include "velquor/frame/batch_threads.h"
+#include "velquor/frame/constants.h"
+#include "velquor/frame/options.h"
+#include "velquor/frame/simd_dispatch.h"
+
+namespace velquor {
+namespace {
+
+using Limits = std::numeric_limits<double>;
+using Batch = std::size_t (*)(const double*, const double*, std::size_t, double*, std::size_t,
+                              std::size_t);
+using Single = void (*)(const double*, const double*, double*);
+
+struct Kind {
+  const char* name;
+  Batch batch;
+  Single single;
+};
+const Kind kKinds[] = {{"Lab", XYZToLabBatch, XYZToLab}, {"Luv", XYZToLuvBatch, XYZToLuv}};
+
+constexpr double kWhite[3] = {94.811, 100.0, 107.304};  // D65, 10 degrees
+
+// Samples on the branches the kernel must decide as the scalar code does: missing components,
+// the 0.008856 breakpoint (reached exactly by X / Xn), neutrals (a = b = 0), b = 0 on either
+// side of the hue origin, hues a hair below 360 degrees (wrapped to 0) and just beyond the wrap,
+// a and b inside and just outside the zero band, black (no CIELUV chromaticity), negatives,
+// NaN and infinities.
+std::vector<double> ThresholdSamples() {
+  std::vector<double> xyz;
+  auto add = [&](double x, double y, double z) { xyz.insert(xyz.end(), {x, y, z}); };
+  for (int k = 0; k < 3; ++k) {
+    double s[3] = {20.0, 30.0, 40.0};
+    s[k] = kMissing;
+    add(s[0], s[1], s[2]);
+    s[k] = 1.0005e-05;  // inside the band as well
+    add(s[0], s[1], s[2]);
+  }
+  const double breakpoint = kLabEpsilon * kWhite[0];
+  for (double x : {std::nextafter(breakpoint, 0.0), breakpoint, std::nextafter(breakpoint, 1.0)})
+    add(x, 30.0, 40.0);
+  for (double t : {0.0, 0.005, 0.008856, 0.2, 0.5, 1.0, 1.7}) {
+    add(t * kWhite[0], t * kWhite[1], t * kWhite[2]);               // neutral
+    add(t * kWhite[0] * 1.2, t * kWhite[1], t * kWhite[2]);         // b = 0, a > 0
+    add(t * kWhite[0] * 0.8, t * kWhite[1], t * kWhite[2]);         // b = 0, a < 0
+    for (double e : {1e-16, 1e-15, 1e-9, 3e-7, 1e-6, 2e-6, 1e-4}) {
+      add(t * kWhite[0] * 1.2, t * kWhite[1], t * kWhite[2] * (1 + e));  // hue just below 360
+      add(t * kWhite[0] * (1 + e), t * kWhite[1], t * kWhite[2] * 1.3);  // a in the zero band
+    }
+  }
+  for (double v : {-5.0, 0.0, Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity(),
+                   1e300, Limits::denorm_min()}) {
+    add(v, 30.0, 40.0);
+    add(20.0, v, 40.0);
+    add(20.0, 30.0, v);
+  }
+  return xyz;
+}
+
+std::vector<double> RandomSamples(std::size_t count, unsigned seed) {
+  std::mt19937_64 random(seed);
+  std::uniform_real_distribution<double> value(-2.0, 130.0);
+  std::vector<double> xyz(3 * count);
+  for (double& v : xyz) v = value(random);
+  return xyz;
+}
+
+// The batch's record against the scalar one: L, the two axes and the chroma bit for bit (the
+// same IEEE operations), the hue within the vector atan2's few ulp. NaN matches NaN.
+void ExpectAgreement(const double* batch, const double* single, const double* xyz) {
+  for (int k = 0; k < 5; ++k) {
+    if (batch[k] == single[k] || (std::isnan(single[k]) && std::isnan(batch[k]))) continue;
+    const double tolerance =
+        k < 4 ? 0.0
+              : std::max(test::kBatchAbsolute, test::kBatchRelative * std::abs(single[k]));
+    ASSERT_LE(std::abs(batch[k] - single[k]), tolerance)
+        << "slot " << k << " of XYZ " << xyz[0] << ", " << xyz[1] << ", " << xyz[2];
+  }
+}
+
+// Converts `xyz` with records of 6 (the gap must stay untouched) and checks every record.
+void CheckBatch(const Kind& kind, const std::vector<double>& xyz) {
+  const std::size_t count = xyz.size() / 3;
+  std::vector<double> out(6 * count, -9.0);
+  ASSERT_EQ(kind.batch(kWhite, xyz.data(), 3, out.data(), 6, count), count);
+  double single[5];
+  for (std::size_t i = 0; i < count; ++i) {
+    kind.single(kWhite, &xyz[3 * i], single);
+    ExpectAgreement(&out[6 * i], single, &xyz[3 * i]);
+    ASSERT_EQ(out[6 * i + 5], -9.0);
+  }
+}
+
+// Every SIMD level the machine has, at 1, 2 and 8 threads, in both hue units.
+class CoordinateBatch : public testing::TestWithParam<std::tuple<int, int, int>> {
+ protected:
+  void SetUp() override {
+    SetSimdLevelForTesting(std::get<0>(GetParam()));
+    SetBatchThreads(std::get<1>(GetParam()));
+    SetHueInDegrees(std::get<2>(GetParam()));
+  }
+  void TearDown() override {
+    SetSimdLevelForTesting(-1);
+    SetBatchThreads(0);
+    SetHueInDegrees(1);
+  }
+};
+
+TEST_P(CoordinateBatch, AgreesWithTheScalarConversionOnThresholdsAndRandomSamples) {
+  std::vector<double> xyz = ThresholdSamples();
+  const std::vector<double> random = RandomSamples(20011, 15);  // spans several chunks
+  xyz.insert(xyz.end(), random.begin(), random.end());
+  for (const Kind& kind : kKinds) {
+    SCOPED_TRACE(kind.name);
+    CheckBatch(kind, xyz);
+  }
+}
+
+// In place, records of 5 over records of 5: each sample is read before it is written.
+TEST_P(CoordinateBatch, ConvertsInPlace) {
+  const std::vector<double> xyz = RandomSamples(9000, 16);
+  for (const Kind& kind : kKinds) {
+    std::vector<double> records(5 * 9000);
+    for (std::size_t i = 0; i < 9000; ++i)
+      for (int c = 0; c < 3; ++c) records[5 * i + c] = xyz[3 * i + c];
+    ASSERT_EQ(kind.batch(kWhite, records.data(), 5, records.data(), 5, 9000), 9000u);
+    double single[5];
+    for (std::size_t i = 0; i < 9000; ++i) {
+      kind.single(kWhite, &xyz[3 * i], single);
+      ExpectAgreement(&records[5 * i], single, &xyz[3 * i]);
+    }
+  }
+}
+
+std::vector<std::tuple<int, int, int>> Settings() {
+  std::vector<std::tuple<int, int, int>> settings;
+  for (int level = 0; level < SimdLevelCount(); ++level)
+    for (int threads : {1, 2, 8}) settings.emplace_back(level, threads, 1);
+  settings.emplace_back(SimdLevelCount() - 1, 2, 0);  // hues in radians
+  return settings;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    LevelsAndThreads, CoordinateBatch, testing::ValuesIn(Settings()), [](const auto& info) {
+      return std::string(SimdLevelName(std::get<0>(info.param))) + "_" +
+             std::to_string(std::get<1>(info.param)) + "threads" +
+             (std::get<2>(info.param) != 0 ? "" : "_radians");
+    });
+
+// Ten million random samples at the default level and threads (fewer under sanitizers).
+TEST(CoordinateBatchVolume, TenMillionRandomSamplesAgree) {
+#if defined(__SANITIZE_ADDRESS__)
+  constexpr std::size_t kBlocks = 1;
+#else
+  constexpr std::size_t kBlocks = 10;
+#endif
+  for (std::size_t block = 0; block < kBlocks; ++block) {
+    const std::vector<double> xyz = RandomSamples(500000, 100 + static_cast<unsigned>(block));
+    for (const Kind& kind : kKinds) CheckBatch(kind, xyz);
+  }
+}
+
+TEST(CoordinateBatchArguments, BadStridesAndPointersConvertNothing) {
+  std::vector<double> xyz = RandomSamples(10, 17), out(50, -9.0);
+  for (const Kind& kind : kKinds) {
+    EXPECT_EQ(kind.batch(kWhite, xyz.data(), 2, out.data(), 5, 10), 0u);
+    EXPECT_EQ(kind.batch(kWhite, xyz.data(), 3, out.data(), 4, 10), 0u);
+    EXPECT_EQ(kind.batch(nullptr, xyz.data(), 3, out.data(), 5, 10), 0u);
+    EXPECT_EQ(kind.batch(kWhite, xyz.data(), 3, nullptr, 5, 10), 0u);
+    EXPECT_EQ(kind.batch(kWhite, nullptr, 3, nullptr, 5, 0), 0u);
+    for (double v : out) EXPECT_EQ(v, -9.0);
+  }
+  // A missing white point gives missing records.
+  const double missingWhite[3] = {kMissing, 100.0, 100.0};
+  ASSERT_EQ(XYZToLabBatch(missingWhite, xyz.data(), 3, out.data(), 5, 10), 10u);
+  for (double v : out) EXPECT_EQ(v, kMissing);
+}
+
+}  // namespace
+}  // namespace velquor
