@@ -8,10 +8,7 @@
 
 #include "arrays.h"
 #include "velquor/colorimetry/chroma_hue.h"
-#include "velquor/colorimetry/din99.h"
-#include "velquor/colorimetry/hunter_lab.h"
 #include "velquor/colorimetry/coordinate_batch.h"
-#include "velquor/colorimetry/luv.h"
 #include "velquor/colorimetry/tristimulus.h"
 #include "velquor/colorimetry/weight_table_cache.h"
 #include "velquor/data/ks_data.h"
@@ -74,50 +71,33 @@ py::array_t<double> Lab(const Table& xyz, int illuminant, int observer, const py
   return out;
 }
 
-// Runs `convert(xyzRecord, outputRecord)` over every row, without the GIL. The records are made
-// once, so the loop itself does not allocate.
-template <class Output, class Convert>
-py::array_t<double> ConvertRows(const Table& xyz, std::size_t components, Convert convert) {
+py::array_t<double> Luv(const Table& xyz, int illuminant, int observer) {
   const std::size_t count = Rows(xyz, kXyz, "xyz");
-  auto out = NewTable(count, components);
+  auto out = NewTable(count, kCoordinates);
   const double* in = xyz.data();
-  double* dst = out.mutable_data();
+  double* luv = out.mutable_data();
   py::gil_scoped_release release;
-  CValueVector3 sample;
-  Output record;
-  for (std::size_t n = 0; n < count; ++n) {
-    std::copy(in + n * kXyz, in + (n + 1) * kXyz, sample.GetData());
-    convert(sample, record);
-    std::copy(record.GetData(), record.GetData() + components, dst + n * components);
-  }
+  XYZToLuvBatch(illuminant, observer, in, kXyz, luv, kCoordinates, count);
   return out;
 }
 
-py::array_t<double> Luv(const Table& xyz, int illuminant, int observer) {
-  return ConvertRows<CValueVector5>(xyz, kCoordinates,
-                                    [=](const CValueVector3& s, CValueVector5& r) {
-                                      XYZToLuv(illuminant, observer, s, r);
-                                    });
-}
-
 py::array_t<double> HunterLab(const Table& xyz, int illuminant, int observer) {
-  return ConvertRows<CValueVector3>(xyz, kXyz, [=](const CValueVector3& s, CValueVector3& r) {
-    XYZToHunterLab(illuminant, observer, s, r);
-  });
+  const std::size_t count = Rows(xyz, kXyz, "xyz");
+  auto out = NewTable(count, kXyz);
+  const double* in = xyz.data();
+  double* hunter = out.mutable_data();
+  py::gil_scoped_release release;
+  XYZToHunterLabBatch(illuminant, observer, in, kXyz, hunter, kXyz, count);
+  return out;
 }
 
 py::array_t<double> Din99(const Table& lab, double kCH, double kE) {
   const std::size_t count = Rows(lab, kXyz, "lab");
   auto out = NewTable(count, kCoordinates);
   const double* in = lab.data();
-  double* dst = out.mutable_data();
+  double* din99 = out.mutable_data();
   py::gil_scoped_release release;
-  CValueVector5 record;
-  for (std::size_t n = 0; n < count; ++n) {
-    const double* row = in + n * kXyz;
-    LabToDIN99(row[0], row[1], row[2], kCH, kE, record);
-    std::copy(record.GetData(), record.GetData() + kCoordinates, dst + n * kCoordinates);
-  }
+  LabToDin99Batch(in, kXyz, kCH, kE, din99, kCoordinates, count);
   return out;
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -10,7 +11,10 @@
 #include <vector>
 
 #include "tests/tolerances.h"
+#include "velquor/colorimetry/chromaticity.h"
 #include "velquor/colorimetry/constants.h"
+#include "velquor/colorimetry/din99.h"
+#include "velquor/colorimetry/hunter_lab.h"
 #include "velquor/colorimetry/lab.h"
 #include "velquor/colorimetry/luv.h"
 #include "velquor/frame/batch_threads.h"
@@ -30,16 +34,27 @@ struct Kind {
   const char* name;
   Batch batch;
   Single single;
+  int exactSlots;  // leading slots that are the scalar function's bits
+  bool usesWhite;
 };
-const Kind kKinds[] = {{"Lab", XYZToLabBatch, XYZToLab}, {"Luv", XYZToLuvBatch, XYZToLuv}};
+// DIN99 with weights 1.2, 0.9 behind the same signature (the "white" is unused).
+std::size_t Din99Batch(const double*, const double* lab, std::size_t labStride, double* out,
+                       std::size_t outStride, std::size_t count) {
+  return LabToDin99Batch(lab, labStride, 1.2, 0.9, out, outStride, count);
+}
+void Din99Single(const double*, const double* lab, double* out) { LabToDIN99(lab, 1.2, 0.9, out); }
+
+const Kind kKinds[] = {{"Lab", XYZToLabBatch, XYZToLab, 4, true},
+                       {"Luv", XYZToLuvBatch, XYZToLuv, 4, true},
+                       {"DIN99", Din99Batch, Din99Single, 0, false}};
 
 constexpr double kWhite[3] = {94.811, 100.0, 107.304};  // D65, 10 degrees
 
-// Samples on the branches the kernel must decide as the scalar code does: missing components,
-// the 0.008856 breakpoint (reached exactly by X / Xn), neutrals (a = b = 0), b = 0 on either
-// side of the hue origin, hues a hair below 360 degrees (wrapped to 0) and just beyond the wrap,
-// a and b inside and just outside the zero band, black (no CIELUV chromaticity), negatives,
-// NaN and infinities.
+// Samples (XYZ, or L*, a*, b* for DIN99) on the branches the kernels must decide as the scalar
+// code does: missing components, the 0.008856 breakpoint (reached exactly by X / Xn), neutrals
+// (a = b = 0), b = 0 on either side of the hue origin, hues a hair below 360 degrees (wrapped
+// to 0) and just beyond the wrap, a and b inside and just outside the zero band, black (no
+// CIELUV chromaticity), DIN99's lightness limit L* = -1 / 0.0158, negatives, NaN, infinities.
 std::vector<double> ThresholdSamples() {
   std::vector<double> xyz;
   auto add = [&](double x, double y, double z) { xyz.insert(xyz.end(), {x, y, z}); };
@@ -62,7 +77,7 @@ std::vector<double> ThresholdSamples() {
       add(t * kWhite[0] * (1 + e), t * kWhite[1], t * kWhite[2] * 1.3);  // a in the zero band
     }
   }
-  for (double v : {-5.0, 0.0, Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity(),
+  for (double v : {-5.0, -63.29113924050633, -70.0, 0.0, Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity(),
                    1e300, Limits::denorm_min()}) {
     add(v, 30.0, 40.0);
     add(20.0, v, 40.0);
@@ -79,13 +94,16 @@ std::vector<double> RandomSamples(std::size_t count, unsigned seed) {
   return xyz;
 }
 
+bool Same(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); }
+
 // The batch's record against the scalar one: L, the two axes and the chroma bit for bit (the
 // same IEEE operations), the hue within the vector atan2's few ulp. NaN matches NaN.
-void ExpectAgreement(const double* batch, const double* single, const double* xyz) {
+void ExpectAgreement(const Kind& kind, const double* batch, const double* single,
+                     const double* xyz) {
   for (int k = 0; k < 5; ++k) {
-    if (batch[k] == single[k] || (std::isnan(single[k]) && std::isnan(batch[k]))) continue;
+    if (Same(batch[k], single[k])) continue;
     const double tolerance =
-        k < 4 ? 0.0
+        k < kind.exactSlots ? 0.0
               : std::max(test::kBatchAbsolute, test::kBatchRelative * std::abs(single[k]));
     ASSERT_LE(std::abs(batch[k] - single[k]), tolerance)
         << "slot " << k << " of XYZ " << xyz[0] << ", " << xyz[1] << ", " << xyz[2];
@@ -100,7 +118,7 @@ void CheckBatch(const Kind& kind, const std::vector<double>& xyz) {
   double single[5];
   for (std::size_t i = 0; i < count; ++i) {
     kind.single(kWhite, &xyz[3 * i], single);
-    ExpectAgreement(&out[6 * i], single, &xyz[3 * i]);
+    ExpectAgreement(kind, &out[6 * i], single, &xyz[3 * i]);
     ASSERT_EQ(out[6 * i + 5], -9.0);
   }
 }
@@ -141,7 +159,7 @@ TEST_P(CoordinateBatch, ConvertsInPlace) {
     double single[5];
     for (std::size_t i = 0; i < 9000; ++i) {
       kind.single(kWhite, &xyz[3 * i], single);
-      ExpectAgreement(&records[5 * i], single, &xyz[3 * i]);
+      ExpectAgreement(kind, &records[5 * i], single, &xyz[3 * i]);
     }
   }
 }
@@ -179,7 +197,8 @@ TEST(CoordinateBatchArguments, BadStridesAndPointersConvertNothing) {
   for (const Kind& kind : kKinds) {
     EXPECT_EQ(kind.batch(kWhite, xyz.data(), 2, out.data(), 5, 10), 0u);
     EXPECT_EQ(kind.batch(kWhite, xyz.data(), 3, out.data(), 4, 10), 0u);
-    EXPECT_EQ(kind.batch(nullptr, xyz.data(), 3, out.data(), 5, 10), 0u);
+    EXPECT_EQ(kind.batch(nullptr, xyz.data(), 3, out.data(), 5, 10), kind.usesWhite ? 0u : 10u);
+    std::fill(out.begin(), out.end(), -9.0);
     EXPECT_EQ(kind.batch(kWhite, xyz.data(), 3, nullptr, 5, 10), 0u);
     EXPECT_EQ(kind.batch(kWhite, nullptr, 3, nullptr, 5, 0), 0u);
     for (double v : out) EXPECT_EQ(v, -9.0);
@@ -188,6 +207,37 @@ TEST(CoordinateBatchArguments, BadStridesAndPointersConvertNothing) {
   const double missingWhite[3] = {kMissing, 100.0, 100.0};
   ASSERT_EQ(XYZToLabBatch(missingWhite, xyz.data(), 3, out.data(), 5, 10), 10u);
   for (double v : out) EXPECT_EQ(v, kMissing);
+}
+
+// Hunter Lab (classic for C/2, white point form for D65/10) and chromaticity run the scalar
+// functions on all cores: their bits, missing samples included.
+TEST(CoordinateBatchScalarKinds, HunterLabAndChromaticityAreTheScalarFunctions) {
+  std::vector<double> xyz = RandomSamples(5000, 18);
+  xyz[3] = xyz[4] = xyz[5] = kMissing;  // sample 1
+  const std::size_t count = xyz.size() / 3;
+  std::vector<double> hunter(3 * count), xy(2 * count);
+  SetBatchThreads(2);
+  CValueVector3 sample, single;
+  for (const auto& [illuminant, observer] : {std::pair{1, 0}, {2, 1}}) {
+    ASSERT_EQ(XYZToHunterLabBatch(illuminant, observer, xyz.data(), 3, hunter.data(), 3, count),
+              count);
+    for (std::size_t i = 0; i < count; ++i) {
+      for (int c = 0; c < 3; ++c) sample[c] = xyz[3 * i + c];
+      XYZToHunterLab(illuminant, observer, sample, single);
+      for (int c = 0; c < 3; ++c) ASSERT_TRUE(Same(hunter[3 * i + c], single[c])) << i;
+    }
+  }
+  ASSERT_EQ(XYZToChromaticityBatch(xyz.data(), 3, xy.data(), 2, count), count);
+  for (std::size_t i = 0; i < count; ++i) {
+    for (int c = 0; c < 3; ++c) sample[c] = xyz[3 * i + c];
+    double x, y;
+    XYZToChromaticity(sample, x, y);
+    ASSERT_TRUE(Same(xy[2 * i], x) && Same(xy[2 * i + 1], y)) << i;
+  }
+  EXPECT_EQ(xy[2], kMissing);
+  EXPECT_EQ(XYZToHunterLabBatch(2, 1, xyz.data(), 2, hunter.data(), 3, count), 0u);
+  EXPECT_EQ(XYZToChromaticityBatch(xyz.data(), 3, xy.data(), 1, count), 0u);
+  SetBatchThreads(0);
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include "velquor/colorimetry/coordinate_batch.h"
 
+#include "velquor/colorimetry/chromaticity.h"
 #include "velquor/colorimetry/coordinate_kernel.h"
+#include "velquor/colorimetry/hunter_lab.h"
 #include "velquor/colorimetry/reference_white.h"
 #include "velquor/frame/thread_pool.h"
 
@@ -49,6 +51,58 @@ std::size_t XYZToLuvBatch(int illuminant, int observer, const double* xyz, std::
                           double* luv, std::size_t luvStride, std::size_t count) {
   return ConvertAll(CoordinateKind::kLuv, FindReferenceWhite(illuminant, observer), xyz,
                     xyzStride, luv, luvStride, count);
+}
+
+std::size_t LabToDin99Batch(const double* lab, std::size_t labStride, double kCH, double kE,
+                            double* din99, std::size_t din99Stride, std::size_t count) {
+  if (count == 0 || lab == nullptr || din99 == nullptr || labStride < 3 || din99Stride < 5) {
+    return 0;
+  }
+  ParallelFor(count, kCoordinateChunk, [&](std::size_t begin, std::size_t end) {
+    ConvertLabToDin99(lab + begin * labStride, labStride, kCH, kE, din99 + begin * din99Stride,
+                      din99Stride, end - begin);
+  });
+  return count;
+}
+
+std::size_t XYZToHunterLabBatch(int illuminant, int observer, const double* xyz,
+                                std::size_t xyzStride, double* hunter, std::size_t hunterStride,
+                                std::size_t count) {
+  if (count == 0 || xyz == nullptr || hunter == nullptr || xyzStride < 3 || hunterStride < 3) {
+    return 0;
+  }
+  // A square root and two divisions a sample: the scalar function, on all cores.
+  ParallelFor(count, kCoordinateChunk, [&](std::size_t begin, std::size_t end) {
+    CValueVector3 sample, result;
+    for (std::size_t i = begin; i < end; ++i) {
+      const double* in = xyz + i * xyzStride;
+      sample[0] = in[0];
+      sample[1] = in[1];
+      sample[2] = in[2];
+      XYZToHunterLab(illuminant, observer, sample, result);
+      double* out = hunter + i * hunterStride;
+      out[0] = result[0];
+      out[1] = result[1];
+      out[2] = result[2];
+    }
+  });
+  return count;
+}
+
+std::size_t XYZToChromaticityBatch(const double* xyz, std::size_t xyzStride, double* xy,
+                                   std::size_t xyStride, std::size_t count) {
+  if (count == 0 || xyz == nullptr || xy == nullptr || xyzStride < 3 || xyStride < 2) return 0;
+  ParallelFor(count, kCoordinateChunk, [&](std::size_t begin, std::size_t end) {
+    CValueVector3 sample;
+    for (std::size_t i = begin; i < end; ++i) {
+      const double* in = xyz + i * xyzStride;
+      sample[0] = in[0];
+      sample[1] = in[1];
+      sample[2] = in[2];
+      XYZToChromaticity(sample, xy[i * xyStride], xy[i * xyStride + 1]);
+    }
+  });
+  return count;
 }
 
 }  // namespace velquor

@@ -1,4 +1,5 @@
-// XYZ -> CIELAB / CIELUV: the portable loop and, with Google Highway, its vector form.
+// XYZ -> CIELAB / CIELUV and CIELAB -> DIN99: the portable loops and, with Google Highway, their
+// vector forms.
 
 // Target-independent part, compiled once although foreach_target.h re-includes this file.
 #ifndef VELQUOR_COLORIMETRY_COORDINATE_KERNEL_ONCE
@@ -7,8 +8,10 @@
 #include "velquor/colorimetry/coordinate_kernel.h"
 
 #include "velquor/colorimetry/coordinate_record.h"
+#include "velquor/colorimetry/din99.h"
 #include "velquor/colorimetry/lab.h"
 #include "velquor/colorimetry/luv.h"
+#include "velquor/frame/options.h"
 #include "velquor/frame/simd_dispatch.h"
 
 namespace velquor {
@@ -38,6 +41,19 @@ void ConvertPortable(CoordinateKind kind, const double* white, const double* xyz
   }
 }
 
+// DIN99's per-batch values.
+struct Din99Setup {
+  double kCH, kE;
+  bool degrees;
+};
+
+void Din99Portable(const Din99Setup& s, const double* lab, std::size_t labStride, double* out,
+                   std::size_t outStride, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) {
+    LabToDIN99(lab + i * labStride, s.kCH, s.kE, out + i * outStride);
+  }
+}
+
 #if defined(VELQUOR_HAVE_HWY)
 void ConvertSetup(const Setup& s, const double* xyz, std::size_t xyzStride, double* out,
                   std::size_t outStride, std::size_t count) {
@@ -55,10 +71,11 @@ void ConvertSetup(const Setup& s, const double* xyz, std::size_t xyzStride, doub
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "velquor/colorimetry/coordinate_kernel.cpp"
 #include "hwy/foreach_target.h"  // IWYU pragma: keep
+#include <cmath>
+
 #include "hwy/highway.h"
 #include "velquor/colorimetry/constants.h"
 #include "velquor/frame/constants.h"
-#include "velquor/frame/options.h"
 #include "velquor/frame/simd_math-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -174,6 +191,67 @@ void ConvertVector(const Setup& s, const double* xyz, std::size_t xyzStride, dou
                   count - n);
 }
 
+// DIN99 from L*, a*, b*: the rotation, compression and lightness are the scalar IEEE
+// operations; the logarithms, the hue's atan2 and its cosine and sine are Highway's (1-3 ulp).
+// The scalar path takes the lanes with e exactly 0 (its own hue rule), no logarithm of the
+// lightness, missing or non-finite values.
+void Din99Vector(const Din99Setup& s, const double* lab, std::size_t labStride, double* out,
+                 std::size_t outStride, std::size_t count) {
+  const D d;
+  const std::size_t lanes = hn::Lanes(d);
+  constexpr std::size_t kMaxLanes = hn::MaxLanes(D());
+  HWY_ALIGN double in[3][kMaxLanes];
+  HWY_ALIGN double result[5][kMaxLanes];
+  const V cos16 = hn::Set(d, std::cos(kDin99Angle));
+  const V sin16 = hn::Set(d, std::sin(kDin99Angle));
+  const V chromaDivisor = hn::Set(d, kDin99ChromaFactor * s.kCH * s.kE);
+  std::size_t n = 0;
+  for (; n + lanes <= count; n += lanes) {
+    const double* source = lab + n * labStride;
+    for (std::size_t k = 0; k < lanes; ++k) {
+      for (std::size_t c = 0; c < 3; ++c) in[c][k] = source[k * labStride + c];
+    }
+    const V l = hn::Load(d, in[0]), a = hn::Load(d, in[1]), b = hn::Load(d, in[2]);
+    const V lightness = hn::Add(hn::Set(d, 1.0), hn::Mul(hn::Set(d, kDin99LightnessFactor), l));
+    const V e = hn::Add(hn::Mul(cos16, a), hn::Mul(sin16, b));
+    const V f = hn::Mul(hn::Set(d, kDin99BScale), hn::Sub(hn::Mul(cos16, b), hn::Mul(sin16, a)));
+    M refine = hn::Or(hn::Or(IsMissingLane(d, l), IsMissingLane(d, a)), IsMissingLane(d, b));
+    refine = hn::Or(refine, hn::Eq(e, hn::Zero(d)));
+    refine = hn::Or(refine, hn::Not(hn::Gt(lightness, hn::Zero(d))));
+    V h = Atan2(d, f, e);
+    h = hn::IfThenElse(hn::Lt(h, hn::Zero(d)), hn::Add(h, hn::Set(d, kTwoPi)), h);
+    const V g = hn::Sqrt(hn::Add(hn::Mul(e, e), hn::Mul(f, f)));
+    refine = hn::Or(refine, hn::Not(hn::IsFinite(hn::Add(g, lightness))));
+    const V safeLightness = hn::IfThenElse(refine, hn::Set(d, 1.0), lightness);
+    const V safeChroma =
+        hn::IfThenElse(refine, hn::Set(d, 1.0),
+                       hn::Add(hn::Set(d, 1.0), hn::Mul(hn::Set(d, kDin99ChromaFactor), g)));
+    const V c99 = hn::Div(hn::Log(d, safeChroma), chromaDivisor);
+    hn::Store(hn::Div(hn::Mul(hn::Set(d, kDin99LightnessScale), hn::Log(d, safeLightness)),
+                      hn::Set(d, s.kE)),
+              d, result[0]);
+    hn::Store(hn::Mul(c99, hn::Cos(d, h)), d, result[1]);
+    hn::Store(hn::Mul(c99, hn::Sin(d, h)), d, result[2]);
+    hn::Store(c99, d, result[3]);
+    hn::Store(s.degrees ? hn::Mul(h, hn::Set(d, kRadToDeg)) : h, d, result[4]);
+    double* target = out + n * outStride;
+    for (std::size_t k = 0; k < lanes; ++k) {
+      for (std::size_t c = 0; c < 5; ++c) target[k * outStride + c] = result[c][k];
+    }
+    if (!hn::AllFalse(d, refine)) {
+      HWY_ALIGN std::uint8_t bits[(kMaxLanes + 7) / 8] = {};
+      hn::StoreMaskBits(d, refine, bits);
+      for (std::size_t k = 0; k < lanes; ++k) {
+        if ((bits[k / 8] >> (k % 8)) & 1) {
+          const double sample[3] = {in[0][k], in[1][k], in[2][k]};
+          LabToDIN99(sample, s.kCH, s.kE, target + k * outStride);
+        }
+      }
+    }
+  }
+  Din99Portable(s, lab + n * labStride, labStride, out + n * outStride, outStride, count - n);
+}
+
 }  // namespace HWY_NAMESPACE
 }  // namespace velquor
 HWY_AFTER_NAMESPACE();
@@ -187,6 +265,7 @@ namespace velquor {
 #if defined(VELQUOR_HAVE_HWY)
 
 HWY_EXPORT(ConvertVector);
+HWY_EXPORT(Din99Vector);
 
 namespace {
 
@@ -216,7 +295,22 @@ void ConvertCoordinates(CoordinateKind kind, const double* white, const double* 
   VELQUOR_SIMD_CALL(ConvertVector, ConvertSetup, s, xyz, xyzStride, out, outStride, count);
 }
 
+void ConvertLabToDin99(const double* lab, std::size_t labStride, double kCH, double kE,
+                       double* out, std::size_t outStride, std::size_t count) {
+  const Din99Setup s{kCH, kE, GetHueInDegrees() != 0};
+  if (IsMissing(kCH) || IsMissing(kE) || IsZero(kCH) || IsZero(kE)) {
+    Din99Portable(s, lab, labStride, out, outStride, count);
+    return;
+  }
+  VELQUOR_SIMD_CALL(Din99Vector, Din99Portable, s, lab, labStride, out, outStride, count);
+}
+
 #else  // no Highway: the portable loop only
+
+void ConvertLabToDin99(const double* lab, std::size_t labStride, double kCH, double kE,
+                       double* out, std::size_t outStride, std::size_t count) {
+  Din99Portable({kCH, kE, GetHueInDegrees() != 0}, lab, labStride, out, outStride, count);
+}
 
 void ConvertCoordinates(CoordinateKind kind, const double* white, const double* xyz,
                         std::size_t xyzStride, double* out, std::size_t outStride,

@@ -1,5 +1,5 @@
-// The inner loops of the coordinate batches (coordinate_batch.h): XYZ -> CIELAB and CIELUV over
-// many samples. Internal to the library.
+// The inner loops of the coordinate batches (coordinate_batch.h): XYZ -> CIELAB and CIELUV, and
+// CIELAB -> DIN99, over many samples. Internal to the library.
 //
 // With Google Highway the samples run side by side in the lanes of a vector at the best
 // instruction-set level of the CPU (frame/simd_dispatch.h). Every step but the hue angle is the
@@ -24,5 +24,12 @@ enum class CoordinateKind { kLab, kLuv };
 void ConvertCoordinates(CoordinateKind kind, const double* white, const double* xyz,
                         std::size_t xyzStride, double* out, std::size_t outStride,
                         std::size_t count);
+
+// CIELAB -> DIN99 (LabToDIN99 on plain arrays) for samples 0 .. count-1: L*, a*, b* from
+// lab[i * labStride + 0..2], L99, a99, b99, C99, h99 to out[i * outStride + 0..4]. The
+// logarithms, cosine and sine are vector functions within a few ulp of the C library's; e = 0
+// exactly (the scalar hue rule), missing and non-finite samples take the scalar function.
+void ConvertLabToDin99(const double* lab, std::size_t labStride, double kCH, double kE,
+                       double* out, std::size_t outStride, std::size_t count);
 
 }  // namespace velquor

@@ -19,5 +19,7 @@ namespace velquor {
 // missing outputs in every slot.
 void LabToDIN99(double lStar, double aStar, double bStar, double kCH, double kE,
                 CValueVector5& din99);
+// The same on plain arrays: lab[0..2] in, din99[0..4] out (lab is read before din99 is written).
+void LabToDIN99(const double lab[3], double kCH, double kE, double din99[5]);
 
 }  // namespace velquor
