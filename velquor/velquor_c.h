@@ -239,6 +239,9 @@ int vq_lab_batch(const double* spectra, size_t count, int illuminant, int observ
 /* CIELUV (CIE 15:2004); black (no chromaticity) gives missing coordinates. */
 int vq_xyz_to_luv(int illuminant, int observer, const vq_xyz* xyz, vq_coords5* luv) VQ_NOEXCEPT;
 int vq_luv_to_xyz(int illuminant, int observer, const vq_coords5* luv, vq_xyz* xyz) VQ_NOEXCEPT;
+/* CIELUV of `count` XYZ records. */
+int vq_xyz_to_luv_batch(int illuminant, int observer, const vq_xyz* xyz, size_t count,
+                        vq_coords5* luv) VQ_NOEXCEPT;
 
 /* Hunter L, a, b in l, a, b (classic formulas for C / 2 degree, the white point form for
  * every other pair); c and h receive the polar form of a, b (vq_chroma_hue). */
@@ -249,6 +252,9 @@ int vq_hunter_lab_to_xyz(int illuminant, int observer, const vq_coords5* hunter,
 
 /* DIN99 (DIN 6176) of CIELAB lab->l, a, b with the weights kCH and kE (1, 1 unweighted). */
 int vq_lab_to_din99(const vq_coords5* lab, double kch, double ke, vq_coords5* din99) VQ_NOEXCEPT;
+/* DIN99 of `count` CIELAB records (l, a, b read). */
+int vq_lab_to_din99_batch(const vq_coords5* lab, size_t count, double kch, double ke,
+                          vq_coords5* din99) VQ_NOEXCEPT;
 
 /* CIE 1931 chromaticity x, y; missing (VQ_MISSING) for a missing sample or X + Y + Z = 0. */
 int vq_xyz_to_xy(const vq_xyz* xyz, double* x, double* y) VQ_NOEXCEPT;

@@ -199,6 +199,25 @@ static void TestBatches(void) {
                   LabDiffers(&oneLab, &lab[k]) || LabDiffers(&oneLab, &lab2[k]);
   }
   CHECK_REFS(0, {mismatches, 0, 0}, {vq_is_missing(lab[7].l), 1, 0});
+  // CIELUV and DIN99 batches against the single calls (DIN99's logarithms and trigonometry to a
+  // few ulp).
+  static vq_coords5 luv[kCount], din99[kCount], oneLuv, oneDin99;
+  CHECK_RESULTS(VQ_OK, vq_xyz_to_luv_batch(5, 0, xyz, kCount, luv),
+                vq_lab_to_din99_batch(lab, kCount, 1.5, 0.8, din99),
+                vq_xyz_to_luv_batch(5, 0, NULL, 0, NULL), vq_lab_to_din99_batch(NULL, 0, 1, 1, NULL));
+  mismatches = 0;
+  for (int k = 0; k < kCount; ++k) {
+    vq_xyz_to_luv(5, 0, &xyz[k], &oneLuv);
+    vq_lab_to_din99(&lab[k], 1.5, 0.8, &oneDin99);
+    mismatches += LabDiffers(&oneLuv, &luv[k]);
+    for (int c = 0; c < 5; ++c) {
+      const double a = (&oneDin99.l)[c], b = (&din99[k].l)[c];
+      mismatches += fabs(a - b) > 1e-12 + 1e-13 * fabs(a);
+    }
+  }
+  CHECK_REFS(0, {mismatches, 0, 0}, {vq_is_missing(din99[7].l), 1, 0},
+             {vq_xyz_to_luv_batch(5, 0, NULL, 1, luv), VQ_ERR_NULL, 0},
+             {vq_lab_to_din99_batch(lab, 1, 1, 1, NULL), VQ_ERR_NULL, 0});
 }
 
 static void TestColourSpaces(void) {

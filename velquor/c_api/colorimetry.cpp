@@ -168,6 +168,18 @@ int vq_xyz_to_lab_batch(int illuminant, int observer, const vq_xyz* xyz, size_t 
   });
 }
 
+int vq_xyz_to_luv_batch(int illuminant, int observer, const vq_xyz* xyz, size_t count,
+                        vq_coords5* luv) noexcept {
+  if (count > 0 && (xyz == nullptr || luv == nullptr)) return VQ_ERR_NULL;
+  if (!IsValidPair(illuminant, observer)) return VQ_ERR_RANGE;
+  if (count == 0) return VQ_OK;
+  return Guard([&] {
+    XYZToLuvBatch(illuminant, observer, Values(*xyz), kXYZStride, Values(*luv),
+                  kCoordinatesStride, count);
+    return VQ_OK;
+  });
+}
+
 int vq_lab_batch(const double* spectra, size_t count, int illuminant, int observer,
                  vq_coords5* lab, vq_xyz* xyz) noexcept {
   if (count > 0 && (spectra == nullptr || lab == nullptr)) return VQ_ERR_NULL;
@@ -258,6 +270,17 @@ int vq_lab_to_din99(const vq_coords5* lab, double kch, double ke, vq_coords5* di
     Scratch& s = ThreadScratch();
     LabToDIN99(lab->l, lab->a, lab->b, kch, ke, s.coordinates);
     FromVector(s.coordinates, *din99);
+    return VQ_OK;
+  });
+}
+
+int vq_lab_to_din99_batch(const vq_coords5* lab, size_t count, double kch, double ke,
+                          vq_coords5* din99) noexcept {
+  if (count > 0 && (lab == nullptr || din99 == nullptr)) return VQ_ERR_NULL;
+  if (count == 0) return VQ_OK;
+  return Guard([&] {
+    LabToDin99Batch(Values(*lab), kCoordinatesStride, kch, ke, Values(*din99),
+                    kCoordinatesStride, count);
     return VQ_OK;
   });
 }
