@@ -8,9 +8,11 @@
 #include <limits>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "velquor/colorimetry/tristimulus.h"
+#include "velquor/frame/batch_threads.h"
 #include "velquor/frame/constants.h"
 
 namespace velquor {
@@ -116,6 +118,47 @@ TEST_P(XYZKernelLevel, BatchIsBitIdenticalToComputeXYZ) {
 INSTANTIATE_TEST_SUITE_P(Levels, XYZKernelLevel, ::testing::Range(0, SimdLevelCount()),
                          [](const testing::TestParamInfo<int>& info) {
                            return std::string(SimdLevelName(info.param));
+                         });
+
+// A batch of several chunks at every level and at 1, 2 and 8 threads: ComputeXYZ's bits.
+class XYZKernelThreads : public ::testing::TestWithParam<std::tuple<int, int>> {
+  void TearDown() override {
+    SetSimdLevelForTesting(-1);
+    SetBatchThreads(0);
+  }
+};
+
+TEST_P(XYZKernelThreads, LargeBatchIsBitIdenticalToComputeXYZ) {
+  constexpr std::size_t kCurves = 10007;
+  const std::vector<double> pool = MakePool();
+  std::vector<double> spectra(kCurves * 40);
+  for (std::size_t n = 0; n < kCurves; ++n) {
+    for (std::size_t i = 0; i < 40; ++i) spectra[n * 40 + i] = pool[(n % kPoolSize) * 40 + i];
+    spectra[n * 40 + n % 40] *= 1.0 + static_cast<double>(n) * 1e-6;  // every curve distinct
+  }
+  SetSimdLevelForTesting(std::get<0>(GetParam()));
+  SetBatchThreads(std::get<1>(GetParam()));
+  std::vector<double> xyz(kCurves * 3);
+  ASSERT_EQ(ComputeXYZBatch(spectra.data(), kCurves, 40, 2, 1, xyz.data(), 3), 1);
+  CKSData curve;
+  CValueVector3 single;
+  for (std::size_t n = 0; n < kCurves; ++n) {
+    for (std::size_t i = 0; i < 40; ++i) curve[i] = spectra[n * 40 + i];
+    ComputeXYZ(curve, 2, 1, single);
+    for (std::size_t c = 0; c < 3; ++c) {
+      ASSERT_EQ(std::bit_cast<std::uint64_t>(xyz[n * 3 + c]),
+                std::bit_cast<std::uint64_t>(single[c]))
+          << "curve " << n;
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(LevelsAndThreads, XYZKernelThreads,
+                         ::testing::Combine(::testing::Range(0, SimdLevelCount()),
+                                            ::testing::Values(1, 2, 8)),
+                         [](const auto& info) {
+                           return std::string(SimdLevelName(std::get<0>(info.param))) + "_" +
+                                  std::to_string(std::get<1>(info.param)) + "threads";
                          });
 
 // Out-of-range levels are ignored, and -1 returns to the best level, which is the last one.
