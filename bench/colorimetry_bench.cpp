@@ -19,6 +19,7 @@
 #include "velquor/data/value_vectors.h"
 #include "velquor/frame/batch_threads.h"
 #include "velquor/velquor_c.h"
+#include "bench/bandwidth_anchor.h"
 
 namespace {
 
@@ -61,22 +62,6 @@ void BM_SpectraToXYZ(benchmark::State& state) {
   state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * count));
 }
 BENCHMARK(BM_SpectraToXYZ)->Arg(100000);
-
-// The bandwidth anchor: reads every double of the spectra once and sums it, with eight
-// independent sums so that the adds keep pace with memory. No pass over the spectra can be
-// faster on one core.
-#if defined(__GNUC__)
-__attribute__((noinline))
-#endif
-double SumAll(const double* values, std::size_t count) {
-  double sums[8] = {};
-  for (std::size_t i = 0; i + 8 <= count; i += 8) {
-    for (std::size_t k = 0; k < 8; ++k) sums[k] += values[i + k];
-  }
-  double total = 0.0;
-  for (double s : sums) total += s;
-  return total;
-}
 
 double Seconds(std::chrono::steady_clock::time_point start) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
