@@ -150,7 +150,7 @@ int vq_set_hue_in_degrees(int degrees) VQ_NOEXCEPT;
 
 /* Threads of the batch functions (vq_xyz_batch, vq_xyz_to_lab_batch, vq_lab_batch,
  * vq_difference_batch, vq_delta_e_batch), for the whole process. A batch larger than one chunk
- * (256 to 2048 samples, by function) is split into fixed chunks run by the calling thread and
+ * (256 to 4096 samples, by function) is split into fixed chunks run by the calling thread and
  * up to threads - 1 workers of a pool the library starts on first need; smaller batches, and
  * any batch at threads = 1, run in the calling thread alone. Every sample is computed by the
  * same code whatever the split, so results are identical, bit for bit, at every setting.
