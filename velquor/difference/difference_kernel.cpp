@@ -52,8 +52,11 @@ class PairReference {
     Load(args.standards + n * args.standardStride, standard_);
     Load(args.trials + n * args.trialStride, trial_);
     double* out = args.differences + n * args.differenceStride;
-    // The chromaticity mode writes slots 1-2 only; the others keep what the caller held.
-    if (args.system == kDiffChromaticity) std::copy(out, out + kBatchDifferenceDoubles, result_.GetData());
+    // The chromaticity mode writes slots 1-2 only; every pair starts from a fresh record's
+    // zeros, so that its other slots depend neither on the pair before nor on the caller.
+    if (args.system == kDiffChromaticity) {
+      std::fill(result_.GetData(), result_.GetData() + kBatchDifferenceDoubles, 0.0);
+    }
     ComputeColorDifference(standard_, trial_, args.system, args.illuminant, args.observer,
                            args.weights, result_, args.parameter);
     std::copy(result_.GetData(), result_.GetData() + kBatchDifferenceDoubles, out);
@@ -118,12 +121,13 @@ struct Samples {
   V x, y, z, l, a, b, c, h;
 };
 
-// Samples n .. n + lanes - 1 (stride apart) as columns; a stride of 0 repeats one sample.
-HWY_INLINE Samples LoadSamples(D d, const double* first, std::size_t stride) {
+// `valid` samples (stride apart) as columns, the last one repeated in the lanes beyond; a
+// stride of 0 repeats one sample.
+HWY_INLINE Samples LoadSamples(D d, const double* first, std::size_t stride, std::size_t valid) {
   HWY_ALIGN double column[kBatchSampleDoubles][kMaxLanes];
   const std::size_t lanes = hn::Lanes(d);
   for (std::size_t k = 0; k < lanes; ++k) {
-    const double* sample = first + k * stride;
+    const double* sample = first + std::min(k, valid - 1) * stride;
     for (std::size_t f = 0; f < kBatchSampleDoubles; ++f) column[f][k] = sample[f];
   }
   return {hn::Load(d, column[0]), hn::Load(d, column[1]), hn::Load(d, column[2]),
@@ -383,31 +387,33 @@ HWY_INLINE Weighting WeightingFor(D d, const Samples& s, const BatchArgs& args) 
   return {one, one, one};
 }
 
-// Whole groups of lanes, then the leftover pairs through the reference.
+// Groups of lanes; the last group is filled up with copies of its last pair, so that every pair
+// takes the same path whatever its place in the batch, and a single pair gives the bits it
+// gives in a large batch.
 template <int kSystem>
 void ComputeSystem(const BatchArgs& args) {
   const D d;
   const std::size_t lanes = hn::Lanes(d);
   const bool oneStandard = args.standardStride == 0;
-  const Samples standard = LoadSamples(d, args.standards, 0);
+  const Samples standard = LoadSamples(d, args.standards, 0, 1);
   // One standard: its weighting is computed once for the whole batch.
   const Weighting standardWeighting = WeightingFor<kSystem>(d, standard, args);
   PairReference reference;
   HWY_ALIGN double slots[kBatchDifferenceDoubles][kMaxLanes];
   std::uint8_t refineBits[(kMaxLanes + 7) / 8 + 8] = {};
-  std::size_t n = 0;
-  for (; n + lanes <= args.count; n += lanes) {
+  for (std::size_t n = 0; n < args.count; n += lanes) {
+    const std::size_t valid = std::min(lanes, args.count - n);
     const Samples s = oneStandard ? standard
                                   : LoadSamples(d, args.standards + n * args.standardStride,
-                                                args.standardStride);
-    const Samples t = LoadSamples(d, args.trials + n * args.trialStride, args.trialStride);
+                                                args.standardStride, valid);
+    const Samples t = LoadSamples(d, args.trials + n * args.trialStride, args.trialStride, valid);
     const Weighting w = oneStandard ? standardWeighting : WeightingFor<kSystem>(d, s, args);
     V r[kBatchDifferenceDoubles];
     const M refine = ComputeGroup<kSystem>(d, s, t, w, args, r);
     for (std::size_t k = 0; k < kBatchDifferenceDoubles; ++k) hn::Store(r[k], d, slots[k]);
     const bool anyRefine = !hn::AllFalse(d, refine);
     if (anyRefine) hn::StoreMaskBits(d, refine, refineBits);
-    for (std::size_t k = 0; k < lanes; ++k) {
+    for (std::size_t k = 0; k < valid; ++k) {
       if (anyRefine && ((refineBits[k / 8] >> (k % 8)) & 1) != 0) {
         reference.Compute(args, n + k);
         continue;
@@ -416,7 +422,6 @@ void ComputeSystem(const BatchArgs& args) {
       for (std::size_t j = 0; j < kBatchDifferenceDoubles; ++j) out[j] = slots[j][k];
     }
   }
-  for (; n < args.count; ++n) reference.Compute(args, n);
 }
 
 void ComputeVector(const BatchArgs& args) {

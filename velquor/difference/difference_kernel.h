@@ -15,6 +15,8 @@
 //   near 0 / 360, hue span near the half turn, hue sum near 360, near-neutral samples, a
 //   radicand near 0) is recomputed by ComputeColorDifference, as is every lane with a missing
 //   XYZ element, a non-finite coordinate or a non-finite result.
+// At a given level a pair's result does not depend on its place in the batch, on the batch's
+// size or on the number of threads: a single pair gives the bits it gives among a million.
 // The other systems stay a per-pair loop over ComputeColorDifference: Hunter Lab, FMC-2,
 // GE-PQS II and XYZ/Yxy read tristimulus values and white points (or, for Hunter, are rarely
 // used in bulk), Audi is the angle-dependent formula of effect finishes with its own branches,
@@ -50,8 +52,8 @@ bool IsVectorDifferenceSystem(int system);
 // result slots at differences + n * differenceStride (>= 7). Each result is exactly what
 // ComputeColorDifference gives for the pair, to the agreement stated above: limited to
 // +-999.99, missing samples give the missing value in all seven slots, hue read in the unit of
-// GetHueInDegrees(). In the chromaticity mode (100) slots 3-7 keep what `differences` held
-// (limited with the rest). Runs in the calling thread; allocates only for the fallback samples.
+// GetHueInDegrees(). In the chromaticity mode (100) slots 3-7 are 0, those of a fresh record.
+// Runs in the calling thread; allocates only the three records of the per-pair fallback.
 void ComputeDifferences(const double* standards, std::size_t standardStride, const double* trials,
                         std::size_t trialStride, std::size_t count,
                         const DifferenceSystemChoice& choice, double* differences,
