@@ -6,6 +6,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <random>
 #include <string>
@@ -19,6 +20,7 @@
 #include "velquor/frame/numeric.h"
 #include "velquor/frame/options.h"
 #include "velquor/frame/simd_dispatch.h"
+#include "velquor/velquor_c.h"
 
 namespace velquor {
 namespace {
@@ -42,7 +44,8 @@ constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 // Every code the dispatcher knows; the vector ones and the per-pair loop alike. Weights and
-// parameter are not the defaults, so a lost weight shows.
+// parameter are not the defaults, so a lost weight shows; null weights and parameter 0 stand
+// for 1, 1, 1 and 1.
 constexpr int kSystems[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 100};
 constexpr double kWeights[3] = {2.0, 1.0, 1.5};
 constexpr double kParameter = 0.8;
@@ -81,7 +84,7 @@ std::vector<double> ThresholdSamples() {
   Put(v, kNaN, 1.0, 2.0, 2.0, 60.0);
   Put(v, 50.0, kInf, 2.0, kInf, 0.0);
   Put(v, 50.0, 5.0, 5.0);
-  std::fill(v.end() - 3, v.end(), kMissing);  // missing sample
+  std::fill(v.end() - kSample, v.end() - kSample + 3, kMissing);  // missing sample
   Put(v, 50.0, 5.0, 5.0);
   v[v.size() - kSample] = kMissing;  // X alone missing: not a missing sample
   return v;
@@ -97,6 +100,7 @@ std::vector<double> RandomSamples(std::size_t count, std::uint64_t seed) {
   for (std::size_t n = 0; n < count; n += 2) {
     const double a = ab(random), b = ab(random), lightness = l(random);
     Put(v, lightness, a, b);
+    if (n % 1000 == 998) std::fill(v.end() - kSample, v.end() - kSample + 3, kMissing);
     if (n % 4 == 0)
       Put(v, lightness + near(random), a + near(random), b + near(random));
     else
@@ -118,9 +122,10 @@ CColorSample ToSample(const double* s) {
 // built from +, -, x, / and square roots must give the same bits; CMC and CIEDE2000 (vector
 // cos, sin, exp, atan2) agree to kBatchAgreement. Missing results must be exact.
 void ExpectAgreement(int system, const std::vector<double>& standards, std::size_t standardStride,
-                     const std::vector<double>& trials) {
+                     const std::vector<double>& trials, const double* weights = kWeights,
+                     double parameter = kParameter) {
   const std::size_t count = trials.size() / kSample;
-  const DifferenceSystemChoice choice{system, 2, 1, kWeights, kParameter};
+  const DifferenceSystemChoice choice{system, 2, 1, weights, parameter};
   std::vector<double> got(count * kSlots, 0.0);
   ComputeDifferencesParallel(standards.data(), standardStride, trials.data(), kSample, count, choice,
                              got.data(), kSlots);
@@ -129,7 +134,7 @@ void ExpectAgreement(int system, const std::vector<double>& standards, std::size
   for (std::size_t n = 0; n < count; ++n) {
     std::fill(want.GetData(), want.GetData() + kSlots, 0.0);
     ComputeColorDifference(ToSample(&standards[n * standardStride]), ToSample(&trials[n * kSample]),
-                           system, 2, 1, kWeights, want, kParameter);
+                           system, 2, 1, weights, want, parameter);
     for (std::size_t k = 0; k < kSlots; ++k) {
       const double g = got[n * kSlots + k], w = want[k];
       const bool agree = exact || IsMissing(w)
@@ -163,7 +168,8 @@ class DifferenceKernel : public ::testing::TestWithParam<std::tuple<int, int>> {
 
 TEST_P(DifferenceKernel, AgreesWithTheScalarDispatcherOnThresholdSamples) {
   // Every threshold sample against every other, pair by pair and one standard at a time, so
-  // that each odd sample meets each lane position; hue once in radians too (CMC converts it).
+  // that each odd sample meets each lane position; hue once in radians too (CMC converts it),
+  // then with the default weights and parameter.
   const std::vector<double> pool = ThresholdSamples();
   const std::size_t size = pool.size() / kSample;
   std::vector<double> standards, trials;
@@ -174,10 +180,13 @@ TEST_P(DifferenceKernel, AgreesWithTheScalarDispatcherOnThresholdSamples) {
   }
   for (int hueInDegrees : {1, 0}) {
     SetHueInDegrees(hueInDegrees);
+    const double* weights = hueInDegrees != 0 ? kWeights : nullptr;
+    const double parameter = hueInDegrees != 0 ? kParameter : 0.0;
     for (int system : kSystems) {
-      ExpectAgreement(system, standards, kSample, trials);
+      ExpectAgreement(system, standards, kSample, trials, weights, parameter);
       for (std::size_t i = 0; i < size; i += 5) {
-        ExpectAgreement(system, {pool.begin() + i * kSample, pool.end()}, 0, pool);
+        ExpectAgreement(system, {pool.begin() + i * kSample, pool.end()}, 0, pool, weights,
+                        parameter);
       }
     }
   }
@@ -222,6 +231,37 @@ TEST(DifferenceKernelLayout, WritesOnlyItsSlotsAndZeroesUnusedChromaticitySlots)
       }
     }
   }
+}
+
+// The C interface's batches give, pair for pair, the bits of its one-pair call at the same
+// level (whatever the pair's lane), and check their arguments.
+TEST(DifferenceKernelCInterface, BatchesMatchTheOnePairCallAndCheckArguments) {
+  constexpr std::size_t kCount = 29;
+  const std::vector<double> pool = RandomSamples(2 * kCount, 11);
+  std::vector<vq_sample> standards(kCount), trials(kCount);
+  std::memcpy(standards.data(), pool.data(), sizeof(vq_sample) * kCount);
+  std::memcpy(trials.data(), pool.data() + kCount * kSample, sizeof(vq_sample) * kCount);
+  for (int system : {VQ_DIFF_CIE2000, VQ_DIFF_CMC, VQ_DIFF_FMC2}) {
+    std::vector<vq_diff7> pairs(kCount), batch(kCount);
+    ASSERT_EQ(vq_difference_pairs(standards.data(), trials.data(), kCount, system, 2, 1, kWeights,
+                                  0.0, pairs.data()), VQ_OK);
+    ASSERT_EQ(vq_difference_batch(standards.data(), trials.data(), kCount, system, 2, 1, kWeights,
+                                  0.0, batch.data()), VQ_OK);
+    for (std::size_t n = 0; n < kCount; ++n) {
+      vq_diff7 one, first;
+      vq_color_difference(&standards[n], &trials[n], system, 2, 1, kWeights, 0.0, &one);
+      vq_color_difference(&standards[0], &trials[n], system, 2, 1, kWeights, 0.0, &first);
+      ASSERT_EQ(std::memcmp(&one, &pairs[n], sizeof one), 0) << system << " pair " << n;
+      ASSERT_EQ(std::memcmp(&first, &batch[n], sizeof one), 0) << system << " trial " << n;
+    }
+  }
+  vq_diff7 out;
+  EXPECT_EQ(vq_difference_pairs(nullptr, trials.data(), 1, 0, 2, 1, nullptr, 0.0, &out), VQ_ERR_NULL);
+  EXPECT_EQ(vq_difference_pairs(standards.data(), trials.data(), 1, 0, 2, 1, nullptr, 0.0, nullptr),
+            VQ_ERR_NULL);
+  EXPECT_EQ(vq_difference_pairs(nullptr, nullptr, 0, 0, 2, 1, nullptr, 0.0, nullptr), VQ_OK);
+  EXPECT_EQ(vq_difference_pairs(standards.data(), trials.data(), 1, 13, 2, 1, nullptr, 0.0, &out),
+            VQ_ERR_RANGE);
 }
 
 }  // namespace
