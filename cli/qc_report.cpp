@@ -10,6 +10,7 @@
 #include "velquor/colorimetry/weight_table_cache.h"
 #include "velquor/data/dword_array.h"
 #include "velquor/difference/color_difference.h"
+#include "velquor/difference/difference_kernel.h"
 #include "velquor/difference/sample_for_system.h"
 #include "velquor/difference/shade_descriptor.h"
 #include "velquor/difference/system_catalogue.h"
@@ -43,6 +44,12 @@ bool Prepare(const QcSample& sample, const Condition& condition, const Differenc
     XYZToLab(condition.illuminant, condition.observer, result.xyz, result.lab);
   }
   return true;
+}
+
+// Appends a sample in the layout of the difference batch (difference_kernel.h).
+void PackSample(const CColorSample& sample, std::vector<double>& samples) {
+  samples.insert(samples.end(), sample.xyz.GetData(), sample.xyz.GetData() + 3);
+  samples.insert(samples.end(), sample.coordinates.GetData(), sample.coordinates.GetData() + 5);
 }
 
 QcSummary Summarise(const std::vector<QcSample>& trials, std::size_t condition) {
@@ -137,6 +144,8 @@ QcReport ComputeQcReport(const QcSettings& settings, QcSample standard,
     std::string why;
     base.computed = Prepare(reference, condition, system, base, standardPrepared, why);
     if (!base.computed && reference.note.empty()) reference.note = why;
+    // The trials' samples first, then their differences in one batch, then the rest.
+    std::vector<double> samples;
     for (QcSample& trial : report.trials) {
       QcResult& result = trial.results.emplace_back();
       const bool usable = Prepare(trial, condition, system, result, trialPrepared, why);
@@ -145,9 +154,23 @@ QcReport ComputeQcReport(const QcSettings& settings, QcSample standard,
         if (trial.note.empty()) trial.note = usable ? "standard rejected: " + reference.note : why;
         continue;
       }
-      ComputeColorDifference(standardPrepared.sample, trialPrepared.sample, system.system,
-                             condition.illuminant, condition.observer, system.weights.data(),
-                             result.difference, system.parameter);
+      PackSample(trialPrepared.sample, samples);
+    }
+    std::vector<double> standardSample;
+    PackSample(standardPrepared.sample, standardSample);
+    const std::size_t computed = samples.size() / kBatchSampleDoubles;
+    std::vector<double> differences(computed * kBatchDifferenceDoubles);
+    ComputeDifferencesParallel(standardSample.data(), 0, samples.data(), kBatchSampleDoubles,
+                               computed,
+                               {system.system, condition.illuminant, condition.observer,
+                                system.weights.data(), system.parameter},
+                               differences.data(), kBatchDifferenceDoubles);
+    const double* difference = differences.data();
+    for (QcSample& trial : report.trials) {
+      QcResult& result = trial.results.back();
+      if (!result.computed) continue;
+      std::copy(difference, difference + kBatchDifferenceDoubles, result.difference.GetData());
+      difference += kBatchDifferenceDoubles;
       for (std::size_t k = 0; k < 3; ++k) result.labDelta[k] = result.lab[k] - base.lab[k];
       DescribeShade(base.lab[1], base.lab[2], result.labDelta[0], result.labDelta[1],
                     result.labDelta[2], result.shade, codes, colours, 0);

@@ -13,6 +13,10 @@ inline constexpr double kExactFormula = 1e-12;
 // significant digit fails. Relative unless the test says otherwise.
 inline constexpr double kIndependent = 1e-9;
 
+// A batch kernel that uses vector cos, sin, exp or atan2 (Highway's, a few ulp from the C
+// library's) against the scalar function it mirrors; near zero kNearZero applies instead.
+inline constexpr double kBatchAgreement = 1e-13;
+
 // Round trips through a forward and an inverse conversion (Luv, Hunter Lab, DIN99, chromaticity).
 inline constexpr double kRoundTrip = 1e-10;
 

@@ -1,5 +1,5 @@
-// Bindings of the colour-difference dispatcher: ComputeColorDifference over many pairs, one
-// standard against many trials or pair by pair.
+// Bindings of the colour-difference dispatcher: the batch of ComputeColorDifference
+// (difference_kernel.h) over many pairs, one standard against many trials or pair by pair.
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
@@ -8,12 +8,13 @@
 #include <array>
 #include <cstddef>
 #include <optional>
+#include <vector>
 
 #include "arrays.h"
 #include "velquor/colorimetry/chroma_hue.h"
 #include "velquor/data/value_vectors.h"
 #include "velquor/difference/color_difference.h"
-#include "velquor/difference/color_sample.h"
+#include "velquor/difference/difference_kernel.h"
 #include "velquor/frame/numeric.h"
 
 namespace velquor::python {
@@ -39,25 +40,38 @@ std::size_t CoordinateWidth(const Table& table, const char* name) {
   throw py::value_error(std::string(name) + ": expected coordinates of shape (n, 3) or (n, 5)");
 }
 
-// Fills `sample` with pair n of `side`. Three coordinates are completed with chroma and hue
-// (ComputeChromaHue). Without tristimulus values the sample's XYZ is a neutral placeholder
-// (0, 0, 0) that the coordinate-based systems do not read, or the missing triple when any of
-// the three coordinates is missing, so that a missing sample still gives a missing record.
-void LoadSample(const Side& side, std::size_t n, CColorSample& sample) {
+// Writes pair n of `side` in the batch layout (X, Y, Z, L, a, b, C, h). Three coordinates are
+// completed with chroma and hue (ComputeChromaHue); no coordinates give zeros. Without
+// tristimulus values the sample's XYZ is a neutral placeholder (0, 0, 0) that the
+// coordinate-based systems do not read, or the missing triple when any of the three
+// coordinates is missing, so that a missing sample still gives a missing record.
+void PackSample(const Side& side, std::size_t n, double* sample) {
+  double* xyz = sample;
+  double* c = sample + kXyz;
+  std::fill(c, c + kCoordinates, 0.0);
   if (side.coordinates != nullptr) {
     const double* row = side.coordinates + n * side.coordinateStride;
-    std::copy(row, row + side.coordinateWidth, sample.coordinates.GetData());
-    if (side.coordinateWidth == 3) ComputeChromaHue(sample.coordinates);
+    std::copy(row, row + side.coordinateWidth, c);
+    if (side.coordinateWidth == 3) ComputeChromaHue(c[1], c[2], c[3], c[4]);
   }
   if (side.xyz != nullptr) {
     const double* row = side.xyz + n * side.xyzStride;
-    std::copy(row, row + kXyz, sample.xyz.GetData());
+    std::copy(row, row + kXyz, xyz);
   } else {
-    const double* c = sample.coordinates.GetData();
     const bool missing = side.coordinates != nullptr &&
                          (IsMissing(c[0]) || IsMissing(c[1]) || IsMissing(c[2]));
-    std::fill(sample.xyz.GetData(), sample.xyz.GetData() + kXyz, missing ? kMissing : 0.0);
+    std::fill(xyz, xyz + kXyz, missing ? kMissing : 0.0);
   }
+}
+
+// The side's samples in the batch layout: one when every table of the side has a single row
+// (returned stride 0), else one per pair.
+std::size_t PackSide(const Side& side, std::size_t count, std::vector<double>& packed) {
+  const bool single = side.coordinateStride == 0 && side.xyzStride == 0;
+  const std::size_t samples = single ? 1 : count;
+  packed.resize(samples * kBatchSampleDoubles);
+  for (std::size_t n = 0; n < samples; ++n) PackSample(side, n, &packed[n * kBatchSampleDoubles]);
+  return single ? 0 : kBatchSampleDoubles;
 }
 
 py::array_t<double> Difference(const std::optional<Table>& standardCoordinates,
@@ -99,26 +113,25 @@ py::array_t<double> Difference(const std::optional<Table>& standardCoordinates,
     trial.xyzStride = RowStride(Rows(*trialXyz, kXyz, "trial xyz"), count, kXyz, "trial xyz");
   }
 
-  const std::size_t width = totalOnly ? 1 : kRecord;
   auto out = totalOnly ? py::array_t<double>(static_cast<py::ssize_t>(count))
                        : NewTable(count, kRecord);
   double* dst = out.mutable_data();
+  if (count == 0) return out;
   {
+    // Packing and the batch (vector lanes, batch threads) run without the GIL.
     py::gil_scoped_release release;
-    CColorSample s;
-    CColorSample t;
-    CColorVector7 record;
-    for (std::size_t n = 0; n < count; ++n) {
-      // The chromaticity mode leaves slots 3-7 as they were; start every pair from zeros.
-      std::fill(record.GetData(), record.GetData() + kRecord, 0.0);
-      LoadSample(standard, n, s);
-      LoadSample(trial, n, t);
-      ComputeColorDifference(s, t, system, illuminant, observer, weights.data(), record,
-                             parameter);
-      if (totalOnly)
-        dst[n] = record[kRecord - 1];
-      else
-        std::copy(record.GetData(), record.GetData() + width, dst + n * width);
+    std::vector<double> standards, trials;
+    const std::size_t standardStride = PackSide(standard, count, standards);
+    const std::size_t trialStride = PackSide(trial, count, trials);
+    const DifferenceSystemChoice choice{system, illuminant, observer, weights.data(), parameter};
+    if (totalOnly) {
+      std::vector<double> records(count * kRecord);
+      ComputeDifferencesParallel(standards.data(), standardStride, trials.data(), trialStride,
+                                 count, choice, records.data(), kRecord);
+      for (std::size_t n = 0; n < count; ++n) dst[n] = records[n * kRecord + kRecord - 1];
+    } else {
+      ComputeDifferencesParallel(standards.data(), standardStride, trials.data(), trialStride,
+                                 count, choice, dst, kRecord);
     }
   }
   return out;

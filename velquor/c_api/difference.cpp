@@ -17,6 +17,7 @@
 #include "velquor/colorimetry/weight_table_cache.h"
 #include "velquor/data/dword_array.h"
 #include "velquor/difference/color_difference.h"
+#include "velquor/difference/difference_kernel.h"
 #include "velquor/difference/sample_for_system.h"
 #include "velquor/difference/shade_descriptor.h"
 #include "velquor/difference/system_catalogue.h"
@@ -45,11 +46,6 @@ void FillSample(const vq_xyz& xyz, int system, int illuminant, int observer,
   FillColorSample(sample.xyz, system, illuminant, observer, weights, sample, triple);
 }
 
-void ToSample(const vq_sample& from, CColorSample& to) {
-  ToVector(from.xyz, to.xyz);
-  ToVector(from.coords, to.coordinates);
-}
-
 void FromSample(const CColorSample& from, vq_sample& to) {
   FromVector(from.xyz, to.xyz);
   FromVector(from.coordinates, to.coords);
@@ -60,10 +56,21 @@ bool SpectrumXYZ(const double* spectrum, int illuminant, int observer, vq_xyz& x
   return ComputeXYZBatch(spectrum, 1, kSpectrumPoints, illuminant, observer, &xyz.x, 3) != 0;
 }
 
-// Trials per chunk of a batch's split over threads: a difference (CIEDE2000 is the dearest,
-// some 300-500 ns with its samples) makes a chunk about 100 microseconds of work; smaller
-// batches stay in the calling thread.
-constexpr std::size_t kDifferenceChunk = 256;
+// Trials per chunk of vq_delta_e_batch: a spectrum's XYZ, sample and difference make a chunk
+// some 100 microseconds of work; smaller batches stay in the calling thread. The batches of
+// samples split by kDifferenceChunk.
+constexpr std::size_t kSpectrumChunk = 256;
+
+// The batch layout of samples and results (difference_kernel.h) is the C structures' own.
+static_assert(sizeof(vq_sample) == kBatchSampleDoubles * sizeof(double) &&
+              offsetof(vq_sample, xyz) == 0 && offsetof(vq_sample, coords) == 3 * sizeof(double));
+static_assert(sizeof(vq_diff7) == kBatchDifferenceDoubles * sizeof(double));
+
+const double* SampleData(const vq_sample* samples) {
+  return reinterpret_cast<const double*>(samples);
+}
+
+double* DifferenceData(vq_diff7* differences) { return reinterpret_cast<double*>(differences); }
 
 bool IsValidObserver(int observer) {
   return observer == VQ_OBSERVER_2 || observer == VQ_OBSERVER_10;
@@ -114,21 +121,28 @@ int vq_difference_batch(const vq_sample* standard, const vq_sample* trials, size
     return VQ_ERR_NULL;
   }
   if (!IsValidSystem(system) || !IsValidPair(illuminant, observer)) return VQ_ERR_RANGE;
+  if (count == 0) return VQ_OK;
   return Guard([&] {
-    // The standard sits in the caller's scratch and is only read by the chunks; each chunk
-    // works in the scratch of the thread that runs it.
-    Scratch& caller = ThreadScratch();
-    ToSample(*standard, caller.standard);
-    const CColorSample& reference = caller.standard;
-    ParallelFor(count, kDifferenceChunk, [&](std::size_t begin, std::size_t end) {
-      Scratch& s = ThreadScratch();
-      for (size_t i = begin; i < end; ++i) {
-        ToSample(trials[i], s.trial);
-        ComputeColorDifference(reference, s.trial, system, illuminant, observer, weights,
-                               s.difference, parameter);
-        FromVector(s.difference, differences[i]);
-      }
-    });
+    ComputeDifferencesParallel(SampleData(standard), 0, SampleData(trials), kBatchSampleDoubles,
+                               count, {system, illuminant, observer, weights, parameter},
+                               DifferenceData(differences), kBatchDifferenceDoubles);
+    return VQ_OK;
+  });
+}
+
+int vq_difference_pairs(const vq_sample* standards, const vq_sample* trials, size_t count,
+                        int system, int illuminant, int observer, const double weights[3],
+                        double parameter, vq_diff7* differences) noexcept {
+  if (count > 0 && (standards == nullptr || trials == nullptr || differences == nullptr)) {
+    return VQ_ERR_NULL;
+  }
+  if (!IsValidSystem(system) || !IsValidPair(illuminant, observer)) return VQ_ERR_RANGE;
+  if (count == 0) return VQ_OK;
+  return Guard([&] {
+    ComputeDifferencesParallel(SampleData(standards), kBatchSampleDoubles, SampleData(trials),
+                               kBatchSampleDoubles, count,
+                               {system, illuminant, observer, weights, parameter},
+                               DifferenceData(differences), kBatchDifferenceDoubles);
     return VQ_OK;
   });
 }
@@ -142,22 +156,30 @@ int vq_delta_e_batch(const double* standard, const double* trials, size_t count,
   if (!IsValidSystem(system) || !IsValidObserver(observer)) return VQ_ERR_RANGE;
   return Guard([&] {
     const int result = EnsureWeightTable(illuminant, observer) != 0 ? VQ_OK : VQ_FALLBACK;
-    Scratch& caller = ThreadScratch();
-    const CColorSample& reference = caller.standard;
     vq_xyz xyz;
     if (!SpectrumXYZ(standard, illuminant, observer, xyz)) return VQ_ERR_NOT_FOUND;
-    FillSample(xyz, system, illuminant, observer, weights, caller.standard, caller.triple);
-    // As in vq_difference_batch: the standard is shared read-only, the rest is per thread.
-    ParallelFor(count, kDifferenceChunk, [&](std::size_t begin, std::size_t end) {
+    vq_sample reference;
+    {
+      Scratch& caller = ThreadScratch();
+      FillSample(xyz, system, illuminant, observer, weights, caller.standard, caller.triple);
+      FromSample(caller.standard, reference);
+    }
+    const DifferenceSystemChoice choice{system, illuminant, observer, weights, parameter};
+    // Per chunk: the trials' XYZ in one batch pass, their samples one by one (the coordinates
+    // depend on the system), then the differences in one batch call, all in the thread's own
+    // buffer. The standard is shared read-only.
+    ParallelFor(count, kSpectrumChunk, [&](std::size_t begin, std::size_t end) {
       Scratch& s = ThreadScratch();
-      vq_xyz trialXYZ;
-      for (size_t i = begin; i < end; ++i) {
-        SpectrumXYZ(trials + i * kSpectrumPoints, illuminant, observer, trialXYZ);
-        FillSample(trialXYZ, system, illuminant, observer, weights, s.trial, s.triple);
-        ComputeColorDifference(reference, s.trial, system, illuminant, observer, weights,
-                               s.difference, parameter);
-        FromVector(s.difference, differences[i]);
+      vq_sample samples[kSpectrumChunk];
+      const std::size_t n = end - begin;
+      ComputeXYZBatch(trials + begin * kSpectrumPoints, n, kSpectrumPoints, illuminant, observer,
+                      &samples[0].xyz.x, kBatchSampleDoubles);
+      for (std::size_t i = 0; i < n; ++i) {
+        FillSample(samples[i].xyz, system, illuminant, observer, weights, s.trial, s.triple);
+        FromSample(s.trial, samples[i]);
       }
+      ComputeDifferences(SampleData(&reference), 0, SampleData(samples), kBatchSampleDoubles, n,
+                         choice, DifferenceData(differences + begin), kBatchDifferenceDoubles);
     });
     return result;
   });
