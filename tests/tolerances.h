@@ -13,10 +13,6 @@ inline constexpr double kExactFormula = 1e-12;
 // significant digit fails. Relative unless the test says otherwise.
 inline constexpr double kIndependent = 1e-9;
 
-// A batch kernel that uses vector cos, sin, exp or atan2 (Highway's, a few ulp from the C
-// library's) against the scalar function it mirrors; near zero kNearZero applies instead.
-inline constexpr double kBatchAgreement = 1e-13;
-
 // Round trips through a forward and an inverse conversion (Luv, Hunter Lab, DIN99, chromaticity).
 inline constexpr double kRoundTrip = 1e-10;
 
@@ -41,9 +37,8 @@ inline constexpr double kInterpolated = 1e-6;
 // A root or minimum located by a search to its stated tolerance.
 inline constexpr double kSearch = 1e-9;
 
-// A batch kernel against the scalar function it vectorises: results whose only difference is a
-// vector atan2, sin, cos or exp of a few ulp (relative), or its absolute effect near zero.
+// A batch kernel against the scalar function it vectorises, where they differ only by a vector
+// atan2, sin, cos, exp or log of a few ulp; near zero kNearZero applies instead.
 inline constexpr double kBatchRelative = 1e-13;
-inline constexpr double kBatchAbsolute = 1e-12;
 
 }  // namespace velquor::test

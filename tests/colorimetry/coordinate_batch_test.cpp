@@ -104,7 +104,7 @@ void ExpectAgreement(const Kind& kind, const double* batch, const double* single
     if (Same(batch[k], single[k])) continue;
     const double tolerance =
         k < kind.exactSlots ? 0.0
-              : std::max(test::kBatchAbsolute, test::kBatchRelative * std::abs(single[k]));
+              : std::max(test::kNearZero, test::kBatchRelative * std::abs(single[k]));
     ASSERT_LE(std::abs(batch[k] - single[k]), tolerance)
         << "slot " << k << " of XYZ " << xyz[0] << ", " << xyz[1] << ", " << xyz[2];
   }

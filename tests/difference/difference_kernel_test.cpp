@@ -120,7 +120,7 @@ CColorSample ToSample(const double* s) {
 
 // Batch (standard stride 0 or 8) against ComputeColorDifference pair by pair. The systems
 // built from +, -, x, / and square roots must give the same bits; CMC and CIEDE2000 (vector
-// cos, sin, exp, atan2) agree to kBatchAgreement. Missing results must be exact.
+// cos, sin, exp, atan2) agree to kBatchRelative. Missing results must be exact.
 void ExpectAgreement(int system, const std::vector<double>& standards, std::size_t standardStride,
                      const std::vector<double>& trials, const double* weights = kWeights,
                      double parameter = kParameter) {
@@ -139,7 +139,7 @@ void ExpectAgreement(int system, const std::vector<double>& standards, std::size
       const double g = got[n * kSlots + k], w = want[k];
       const bool agree = exact || IsMissing(w)
                              ? std::bit_cast<std::uint64_t>(g) == std::bit_cast<std::uint64_t>(w)
-                             : std::abs(g - w) <= std::max(test::kBatchAgreement * std::abs(w),
+                             : std::abs(g - w) <= std::max(test::kBatchRelative * std::abs(w),
                                                            test::kNearZero);
       ASSERT_TRUE(agree) << "system " << system << ", pair " << n << ", slot " << k + 1
                          << ": batch " << g << ", scalar " << w << ", difference " << g - w;

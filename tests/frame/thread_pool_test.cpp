@@ -186,7 +186,7 @@ TEST_F(ThreadPoolTest, BatchResultsAreBitIdenticalAtEveryThreadCount) {
   }
   for (std::size_t n = 0; n < kCount; ++n) {
     const double h = single.lab[n].h;
-    EXPECT_NEAR(one.lab[n].h, h, std::max(test::kBatchAbsolute, test::kBatchRelative * h)) << n;
+    EXPECT_NEAR(one.lab[n].h, h, std::max(test::kNearZero, test::kBatchRelative * h)) << n;
   }
 }
 
