@@ -7,7 +7,11 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <cfloat>
+#include <cstdint>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 
 #include "velquor/io/atomic_file.h"
 #include "velquor/io/measurement_text_ids.h"
@@ -57,6 +61,49 @@ bool ParseWavelengthDigits(std::string_view text, double& nanometres) {
 
 std::string FormatWavelength(double nanometres) { return FormatMeasurementNumber(nanometres); }
 
+// Largest file read whole into memory (ReadLinesOfFile); larger ones are read in blocks.
+constexpr std::uintmax_t kWholeFileLimit = std::uintmax_t{1} << 30;
+
+// Plain decimals ("0.4512", "-12", "+3.5", at most 15 digits): with m the digits as an integer
+// and k the digits after the point, the value is m / 10^k, one correctly rounded division of
+// two exactly representable numbers (m < 2^53, 10^k for k <= 22), hence the same double as
+// from_chars gives (Clinger's fast path). Needs arithmetic in double precision, not x87's
+// extended one (FLT_EVAL_METHOD 0); false for every other form.
+bool ParsePlainDecimal(std::string_view text, double& value) {
+#if defined(FLT_EVAL_METHOD) && FLT_EVAL_METHOD == 0
+  static constexpr double kPowersOfTen[16] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                              1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+  std::size_t i = 0;
+  const std::size_t n = text.size();
+  bool negative = false;
+  if (i < n && (text[i] == '-' || text[i] == '+')) negative = text[i++] == '-';
+  std::uint64_t mantissa = 0;
+  int digits = 0;
+  int before = 0;  // digits before the point
+  int after = -1;  // digits after the point; -1 without a point
+  for (; i < n; ++i) {
+    const char c = text[i];
+    if (IsDigit(c)) {
+      if (++digits > 15) return false;
+      mantissa = mantissa * 10 + static_cast<std::uint64_t>(c - '0');
+      ++(after < 0 ? before : after);
+    } else if (c == '.' && after < 0) {
+      after = 0;
+    } else {
+      return false;
+    }
+  }
+  if (before == 0 || after == 0) return false;  // ".5", "5." and "" go the general way
+  const double magnitude = static_cast<double>(mantissa) / kPowersOfTen[after < 0 ? 0 : after];
+  value = negative ? -magnitude : magnitude;
+  return true;
+#else
+  (void)text;
+  (void)value;
+  return false;
+#endif
+}
+
 }  // namespace
 
 std::string MeasurementError::Message() const {
@@ -105,6 +152,7 @@ bool ParseSpectralColumnName(std::string_view name, bool allowPlain, double& nan
 }
 
 bool ParseMeasurementNumber(std::string_view text, bool decimalComma, double& value) {
+  if (ParsePlainDecimal(text, value)) return true;
   if (text.empty()) return false;
   if (text.front() == '+') {
     text.remove_prefix(1);
@@ -216,14 +264,13 @@ std::string MeasurementFile::DescribeScale() const {
 
 namespace {
 
-// The scale read: the detection rule of kPercentDetectionQuantile over `values`, which it
-// reorders.
-ReflectanceScale DetectScale(std::vector<double>& values) {
-  if (values.empty()) return ReflectanceScale::kFraction;
-  const auto rank = static_cast<std::size_t>(std::ceil(kPercentDetectionQuantile * static_cast<double>(values.size())));
-  const auto at = values.begin() + static_cast<std::ptrdiff_t>(std::max<std::size_t>(rank, 1) - 1);
-  std::nth_element(values.begin(), at, values.end());
-  return *at > kPercentDetectionThreshold ? ReflectanceScale::kPercent : ReflectanceScale::kFraction;
+// The scale read: the detection rule of kPercentDetectionQuantile over `count` values of which
+// `atMostThreshold` are <= kPercentDetectionThreshold. The value of nearest rank r is above
+// the threshold exactly when fewer than r values are at or below it, so counting is enough.
+ReflectanceScale DetectScale(std::size_t count, std::size_t atMostThreshold) {
+  if (count == 0) return ReflectanceScale::kFraction;
+  const auto rank = static_cast<std::size_t>(std::ceil(kPercentDetectionQuantile * static_cast<double>(count)));
+  return atMostThreshold < std::max<std::size_t>(rank, 1) ? ReflectanceScale::kPercent : ReflectanceScale::kFraction;
 }
 
 // A note naming the first sample whose largest value looks like the other scale, when the
@@ -248,29 +295,37 @@ void NoteScaleDisagreement(MeasurementFile& file, const std::vector<double>& lar
 }  // namespace
 
 void FinishMeasurementFile(MeasurementFile& file, ReflectanceScale requested) {
-  std::vector<double> all;
+  std::size_t count = 0;
+  std::size_t atMostThreshold = 0;
+  double largest = kMissing;
   std::vector<double> largestOfSample(file.samples.size(), kMissing);
   for (std::size_t s = 0; s < file.samples.size(); ++s) {
-    std::string missing;
-    for (std::size_t i = 0; i < file.samples[s].values.size(); ++i) {
-      const double v = file.samples[s].values[i];
+    bool anyMissing = false;
+    double sampleLargest = kMissing;
+    for (const double v : file.samples[s].values) {
       if (IsMissing(v)) {
-        if (!missing.empty()) missing += ", ";
-        missing += FormatWavelength(file.wavelengths[i]);
+        anyMissing = true;
         continue;
       }
-      if (IsMissing(largestOfSample[s]) || v > largestOfSample[s]) largestOfSample[s] = v;
-      all.push_back(v);
+      if (IsMissing(sampleLargest) || v > sampleLargest) sampleLargest = v;
+      ++count;
+      atMostThreshold += v <= kPercentDetectionThreshold ? 1 : 0;
     }
-    if (!missing.empty()) {
-      file.notes.push_back(
-          {file.samples[s].line,
-           FormatMeasurementText(measurement_text::kMissingValues, {file.SampleLabel(s), missing})});
+    largestOfSample[s] = sampleLargest;
+    if (!IsMissing(sampleLargest) && (IsMissing(largest) || sampleLargest > largest)) largest = sampleLargest;
+    if (!anyMissing) continue;
+    std::string missing;
+    for (std::size_t i = 0; i < file.samples[s].values.size(); ++i) {
+      if (!IsMissing(file.samples[s].values[i])) continue;
+      if (!missing.empty()) missing += ", ";
+      missing += FormatWavelength(file.wavelengths[i]);
     }
+    file.notes.push_back(
+        {file.samples[s].line, FormatMeasurementText(measurement_text::kMissingValues, {file.SampleLabel(s), missing})});
   }
-  file.largestValue = all.empty() ? 0.0 : *std::max_element(all.begin(), all.end());
+  file.largestValue = count == 0 ? 0.0 : largest;
   file.scaleDetected = requested == ReflectanceScale::kAuto;
-  file.scale = file.scaleDetected ? DetectScale(all) : requested;
+  file.scale = file.scaleDetected ? DetectScale(count, atMostThreshold) : requested;
   NoteScaleDisagreement(file, largestOfSample);
 }
 
@@ -328,6 +383,28 @@ MeasurementStatus ReadLinesOfFile(const std::string& path,
                                       FormatMeasurementText(measurement_text::kCannotOpen, {std::strerror(error)}));
   }
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> closer(file, &std::fclose);
+  // A regular file of reasonable size is read in one go, so that its lines can be handed out
+  // without copying and the readers can split the data rows over threads; anything else
+  // (a pipe, a device, a huge file) is read block by block with bounded memory.
+  std::error_code code;
+  const std::filesystem::path fsPath(path);
+  if (std::filesystem::is_regular_file(fsPath, code)) {
+    const std::uintmax_t size = std::filesystem::file_size(fsPath, code);
+    if (!code && size <= kWholeFileLimit) {
+      std::string text(static_cast<std::size_t>(size), '\0');
+      const std::size_t got = text.empty() ? 0 : std::fread(text.data(), 1, text.size(), file);
+      if (!std::ferror(file) && got == text.size() && std::fgetc(file) == EOF && !std::ferror(file)) {
+        LineReader reader{std::string_view(text)};
+        return read(reader);
+      }
+      // The file changed size while read, or a read failed: start again block by block.
+      std::clearerr(file);
+      if (std::fseek(file, 0, SEEK_SET) != 0) {
+        return MeasurementStatus::Failure(path, 0, FormatMeasurementText(measurement_text::kReadError,
+                                                                         {std::strerror(EIO)}));
+      }
+    }
+  }
   LineReader reader(file);
   return read(reader);
 }
