@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "velquor/io/measurement_text_ids.h"
+#include "velquor/io/plain_decimal.h"
 #include "velquor/frame/constants.h"
 #include "velquor/frame/thread_pool.h"
 
@@ -24,6 +25,8 @@ struct Token {
 };
 
 bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+
+constexpr std::size_t npos = std::string_view::npos;
 
 // Splits a CGATS line into tokens, keeping at most `limit` of them (the rest are only
 // counted, so that a hostile line costs no memory beyond the columns a row can have).
@@ -89,21 +92,78 @@ struct DataBlock {
                          // unclosed quote, a wrong field count, a value that is not a number)
 };
 
+// The common row in one pass over the line starting at `pos`: printable ASCII, exactly one
+// unquoted token per column, every spectral one a number, no comment. Returns the end of the
+// line (its LF, or `end`), or npos (nothing added) for any other line, which then goes
+// through the general checks and Tokenize. `divisors` is scratch space of one per wavelength.
+std::size_t ReadPlainRow(std::string_view text, std::size_t pos, std::size_t end, const MeasurementFile& file,
+                         DataBlock& block, std::vector<double>& divisors) {
+  MeasurementSample sample;
+  sample.line = block.lines;
+  sample.fields.resize(file.fieldCount);
+  sample.values.resize(file.wavelengths.size());
+  const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\r'; };
+  std::size_t i = pos;
+  for (const MeasurementColumn& column : file.columns) {
+    while (i < end && isBlank(text[i])) ++i;
+    if (i == end || text[i] == '\n' || text[i] == '"' || text[i] == '\'' || text[i] == '#') return npos;
+    const std::size_t start = i;
+    if (column.spectral) {
+      double& mantissa = sample.values[column.index];
+      const char* stop = ScanPlainDecimal(text.data() + i, text.data() + end, mantissa, divisors[column.index]);
+      if (stop != nullptr) {
+        i = static_cast<std::size_t>(stop - text.data());
+        if (i == end || isBlank(text[i]) || text[i] == '\n') continue;
+      }
+    }
+    // Printable ASCII other than the space: anything else ends the fast path.
+    while (i < end && text[i] > ' ' && text[i] < 0x7F) ++i;
+    if (i < end && !isBlank(text[i]) && text[i] != '\n') return npos;
+    const std::string_view cell = text.substr(start, i - start);
+    if (&column == &file.columns.front() && cell == "END_DATA") return npos;  // the end, not a row
+    if (!column.spectral) {
+      sample.fields[column.index] = std::string(cell);
+    } else {
+      divisors[column.index] = 1.0;  // x / 1 is x
+      if (!ParseMeasurementNumber(cell, false, sample.values[column.index])) return npos;
+    }
+  }
+  for (std::size_t j = 0; j < sample.values.size(); ++j) sample.values[j] /= divisors[j];
+  while (i < end && isBlank(text[i])) ++i;
+  if (i < end && text[i] != '\n') return npos;
+  std::size_t length = i - pos;
+  if (length > 0 && text[i - 1] == '\r') --length;
+  if (length > kMaxLineLength) return npos;
+  block.samples.push_back(std::move(sample));
+  return i;
+}
+
 // Reads the rows of `block` into samples of `file`'s columns, as CgatsParser::DataRow with
 // AddReadSample would, up to the END_DATA line or the first line it leaves to them.
 void ReadDataBlock(std::string_view text, const MeasurementFile& file, DataBlock& block) {
   std::vector<Token> tokens;
   std::size_t count = 0;
   std::size_t lastEnd = 0;
+  std::vector<double> divisors(file.wavelengths.size(), 1.0);
   std::size_t pos = block.begin;
   while (pos < block.end) {
+    const std::size_t plainEnd = ReadPlainRow(text, pos, block.end, file, block, divisors);
+    if (plainEnd != npos) {
+      pos = plainEnd == block.end ? block.end : plainEnd + 1;
+      ++block.lines;
+      block.bytes = pos - block.begin;
+      continue;
+    }
     const std::size_t newline = text.find('\n', pos);
     const std::size_t lineEnd = newline == std::string_view::npos || newline >= block.end ? block.end : newline;
     const std::size_t next = lineEnd == block.end ? block.end : lineEnd + 1;
     std::string_view line = text.substr(pos, lineEnd - pos);
     if (line.ends_with('\r')) line.remove_suffix(1);
-    if (line.size() > kMaxLineLength || !IsPlainAsciiLine(line) ||
-        !Tokenize(line, file.columns.size() + 1, tokens, count, lastEnd)) {
+    if (line.size() > kMaxLineLength || !IsPlainAsciiLine(line)) {
+      block.stopped = true;
+      return;
+    }
+    if (!Tokenize(line, file.columns.size() + 1, tokens, count, lastEnd)) {
       block.stopped = true;
       return;
     }

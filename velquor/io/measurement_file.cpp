@@ -7,7 +7,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <cfloat>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -15,6 +14,7 @@
 
 #include "velquor/io/atomic_file.h"
 #include "velquor/io/measurement_text_ids.h"
+#include "velquor/io/plain_decimal.h"
 #include "velquor/frame/constants.h"
 #include "velquor/frame/numeric.h"
 #include "velquor/frame/resources.h"
@@ -63,46 +63,6 @@ std::string FormatWavelength(double nanometres) { return FormatMeasurementNumber
 
 // Largest file read whole into memory (ReadLinesOfFile); larger ones are read in blocks.
 constexpr std::uintmax_t kWholeFileLimit = std::uintmax_t{1} << 30;
-
-// Plain decimals ("0.4512", "-12", "+3.5", at most 15 digits): with m the digits as an integer
-// and k the digits after the point, the value is m / 10^k, one correctly rounded division of
-// two exactly representable numbers (m < 2^53, 10^k for k <= 22), hence the same double as
-// from_chars gives (Clinger's fast path). Needs arithmetic in double precision, not x87's
-// extended one (FLT_EVAL_METHOD 0); false for every other form.
-bool ParsePlainDecimal(std::string_view text, double& value) {
-#if defined(FLT_EVAL_METHOD) && FLT_EVAL_METHOD == 0
-  static constexpr double kPowersOfTen[16] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                              1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-  std::size_t i = 0;
-  const std::size_t n = text.size();
-  bool negative = false;
-  if (i < n && (text[i] == '-' || text[i] == '+')) negative = text[i++] == '-';
-  std::uint64_t mantissa = 0;
-  int digits = 0;
-  int before = 0;  // digits before the point
-  int after = -1;  // digits after the point; -1 without a point
-  for (; i < n; ++i) {
-    const char c = text[i];
-    if (IsDigit(c)) {
-      if (++digits > 15) return false;
-      mantissa = mantissa * 10 + static_cast<std::uint64_t>(c - '0');
-      ++(after < 0 ? before : after);
-    } else if (c == '.' && after < 0) {
-      after = 0;
-    } else {
-      return false;
-    }
-  }
-  if (before == 0 || after == 0) return false;  // ".5", "5." and "" go the general way
-  const double magnitude = static_cast<double>(mantissa) / kPowersOfTen[after < 0 ? 0 : after];
-  value = negative ? -magnitude : magnitude;
-  return true;
-#else
-  (void)text;
-  (void)value;
-  return false;
-#endif
-}
 
 }  // namespace
 
@@ -391,10 +351,11 @@ MeasurementStatus ReadLinesOfFile(const std::string& path,
   if (std::filesystem::is_regular_file(fsPath, code)) {
     const std::uintmax_t size = std::filesystem::file_size(fsPath, code);
     if (!code && size <= kWholeFileLimit) {
-      std::string text(static_cast<std::size_t>(size), '\0');
-      const std::size_t got = text.empty() ? 0 : std::fread(text.data(), 1, text.size(), file);
-      if (!std::ferror(file) && got == text.size() && std::fgetc(file) == EOF && !std::ferror(file)) {
-        LineReader reader{std::string_view(text)};
+      const auto length = static_cast<std::size_t>(size);
+      const std::unique_ptr<char[]> text = std::make_unique_for_overwrite<char[]>(length + 1);
+      const std::size_t got = length == 0 ? 0 : std::fread(text.get(), 1, length, file);
+      if (!std::ferror(file) && got == length && std::fgetc(file) == EOF && !std::ferror(file)) {
+        LineReader reader{std::string_view(text.get(), length)};
         return read(reader);
       }
       // The file changed size while read, or a read failed: start again block by block.
