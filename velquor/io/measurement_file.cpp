@@ -18,6 +18,7 @@
 #include "velquor/frame/constants.h"
 #include "velquor/frame/numeric.h"
 #include "velquor/frame/resources.h"
+#include "velquor/frame/thread_pool.h"
 #include "velquor/frame/utf8.h"
 
 namespace velquor {
@@ -60,6 +61,9 @@ bool ParseWavelengthDigits(std::string_view text, double& nanometres) {
 }
 
 std::string FormatWavelength(double nanometres) { return FormatMeasurementNumber(nanometres); }
+
+// Samples per chunk of FinishMeasurementFile's split over threads (some 50 microseconds).
+constexpr std::size_t kFinishChunk = 1024;
 
 // Largest file read whole into memory (ReadLinesOfFile); larger ones are read in blocks.
 constexpr std::uintmax_t kWholeFileLimit = std::uintmax_t{1} << 30;
@@ -255,25 +259,40 @@ void NoteScaleDisagreement(MeasurementFile& file, const std::vector<double>& lar
 }  // namespace
 
 void FinishMeasurementFile(MeasurementFile& file, ReflectanceScale requested) {
+  // Per sample (split over threads: a large batch holds millions of values): its largest
+  // value, how many values it has and how many of them are at most the detection threshold.
+  struct SampleStats {
+    double largest = kMissing;
+    std::size_t count = 0;
+    std::size_t atMostThreshold = 0;
+    bool anyMissing = false;
+  };
+  std::vector<SampleStats> stats(file.samples.size());
+  ParallelFor(file.samples.size(), kFinishChunk, [&](std::size_t begin, std::size_t end) {
+    for (std::size_t s = begin; s < end; ++s) {
+      SampleStats& st = stats[s];
+      for (const double v : file.samples[s].values) {
+        if (IsMissing(v)) {
+          st.anyMissing = true;
+          continue;
+        }
+        if (IsMissing(st.largest) || v > st.largest) st.largest = v;
+        ++st.count;
+        st.atMostThreshold += v <= kPercentDetectionThreshold ? 1 : 0;
+      }
+    }
+  });
   std::size_t count = 0;
   std::size_t atMostThreshold = 0;
   double largest = kMissing;
   std::vector<double> largestOfSample(file.samples.size(), kMissing);
   for (std::size_t s = 0; s < file.samples.size(); ++s) {
-    bool anyMissing = false;
-    double sampleLargest = kMissing;
-    for (const double v : file.samples[s].values) {
-      if (IsMissing(v)) {
-        anyMissing = true;
-        continue;
-      }
-      if (IsMissing(sampleLargest) || v > sampleLargest) sampleLargest = v;
-      ++count;
-      atMostThreshold += v <= kPercentDetectionThreshold ? 1 : 0;
-    }
-    largestOfSample[s] = sampleLargest;
-    if (!IsMissing(sampleLargest) && (IsMissing(largest) || sampleLargest > largest)) largest = sampleLargest;
-    if (!anyMissing) continue;
+    const SampleStats& st = stats[s];
+    count += st.count;
+    atMostThreshold += st.atMostThreshold;
+    largestOfSample[s] = st.largest;
+    if (!IsMissing(st.largest) && (IsMissing(largest) || st.largest > largest)) largest = st.largest;
+    if (!st.anyMissing) continue;
     std::string missing;
     for (std::size_t i = 0; i < file.samples[s].values.size(); ++i) {
       if (!IsMissing(file.samples[s].values[i])) continue;
