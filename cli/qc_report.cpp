@@ -16,7 +16,9 @@
 #include "velquor/frame/constants.h"
 #include "velquor/frame/numeric.h"
 #include "velquor/indices/index_formulas.h"
+#include "velquor/frame/thread_pool.h"
 #include "velquor/strength/strength.h"
+#include "velquor/velquor_c.h"
 
 namespace velquor::cli {
 
@@ -28,13 +30,9 @@ struct Prepared {
   CValueVector3 triple;
 };
 
-// False (with the reason) when the sample is rejected under `condition`.
-bool Prepare(const QcSample& sample, const Condition& condition, const DifferenceChoice& system,
-             QcResult& result, Prepared& prepared, std::string& why) {
-  if (!SampleXyz(sample, condition, result.xyz, why)) {
-    for (std::size_t k = 0; k < 5; ++k) result.lab[k] = kMissing;
-    return false;
-  }
+// The sample for the difference system and the CIELAB values of `result`, from its X, Y, Z.
+void PrepareFromXyz(const Condition& condition, const DifferenceChoice& system, QcResult& result,
+                    Prepared& prepared) {
   FillColorSample(result.xyz, system.system, condition.illuminant, condition.observer,
                   system.weights.data(), prepared.sample, prepared.triple);
   if (FillsCieLab(system.system)) {
@@ -42,8 +40,37 @@ bool Prepare(const QcSample& sample, const Condition& condition, const Differenc
   } else {
     XYZToLab(condition.illuminant, condition.observer, result.xyz, result.lab);
   }
+}
+
+// False (with the reason) when the sample is rejected under `condition`.
+bool Prepare(const QcSample& sample, const Condition& condition, const DifferenceChoice& system,
+             QcResult& result, Prepared& prepared, std::string& why) {
+  if (!SampleXyz(sample, condition, result.xyz, why)) {
+    for (std::size_t k = 0; k < 5; ++k) result.lab[k] = kMissing;
+    return false;
+  }
+  PrepareFromXyz(condition, system, result, prepared);
   return true;
 }
+
+vq_sample ToCSample(const CColorSample& from) {
+  vq_sample to{};
+  to.xyz = {from.xyz[0], from.xyz[1], from.xyz[2]};
+  to.coords = {from.coordinates[0], from.coordinates[1], from.coordinates[2], from.coordinates[3],
+               from.coordinates[4]};
+  return to;
+}
+
+void FromCSample(const vq_sample& from, CColorSample& to) {
+  const double* xyz = &from.xyz.x;
+  const double* coords = &from.coords.l;
+  for (std::size_t k = 0; k < 3; ++k) to.xyz[k] = xyz[k];
+  for (std::size_t k = 0; k < 5; ++k) to.coordinates[k] = coords[k];
+}
+
+// Trials per chunk of the comparison's split over threads: a trial costs about a microsecond
+// (X, Y, Z, the sample, the difference and the shade words), a chunk some 250.
+constexpr std::size_t kTrialChunk = 256;
 
 QcSummary Summarise(const std::vector<QcSample>& trials, std::size_t condition) {
   QcSummary summary;
@@ -93,17 +120,32 @@ std::string MissingWavelengthText(const CKSData& curve) {
   return text.empty() ? text : text + " nm";
 }
 
-bool SampleXyz(const QcSample& sample, const Condition& condition, CValueVector3& xyz,
-               std::string& why) {
+namespace {
+
+// The rejection rule of SampleXyz, for X, Y, Z already computed (`computed`, read only when the
+// sample has no missing point).
+bool AcceptXyz(const QcSample& sample, const double* computed, CValueVector3& xyz, std::string& why) {
   if (sample.hasMissing) {
     for (std::size_t k = 0; k < 3; ++k) xyz[k] = kMissing;
     why = "missing values at " + MissingWavelengthText(sample.curve);
     return false;
   }
-  ComputeXYZ(sample.curve, condition.illuminant, condition.observer, xyz);
+  for (std::size_t k = 0; k < 3; ++k) xyz[k] = computed[k];
   if (std::isfinite(xyz[0]) && std::isfinite(xyz[1]) && std::isfinite(xyz[2])) return true;
   why = "tristimulus values not finite (spectral values too large)";
   return false;
+}
+
+}  // namespace
+
+bool SampleXyz(const QcSample& sample, const Condition& condition, CValueVector3& xyz,
+               std::string& why) {
+  double computed[3] = {kMissing, kMissing, kMissing};
+  if (!sample.hasMissing) {
+    ComputeXYZBatch(sample.curve.GetData(), 1, CKSData::kLength, condition.illuminant,
+                    condition.observer, computed, 3);
+  }
+  return AcceptXyz(sample, computed, xyz, why);
 }
 
 bool QcReport::AllPassed() const {
@@ -126,9 +168,6 @@ QcReport ComputeQcReport(const QcSettings& settings, QcSample standard,
 
   const DifferenceChoice& system = settings.system;
   Prepared standardPrepared;
-  Prepared trialPrepared;
-  CDWordArray codes;  // the shade codes and colours, not reported; kept across trials
-  CDWordArray colours;
   QcSample& reference = report.standard;
   for (std::size_t c = 0; c < settings.conditions.size(); ++c) {
     Condition condition = settings.conditions[c];
@@ -137,22 +176,68 @@ QcReport ComputeQcReport(const QcSettings& settings, QcSample standard,
     std::string why;
     base.computed = Prepare(reference, condition, system, base, standardPrepared, why);
     if (!base.computed && reference.note.empty()) reference.note = why;
-    for (QcSample& trial : report.trials) {
-      QcResult& result = trial.results.emplace_back();
-      const bool usable = Prepare(trial, condition, system, result, trialPrepared, why);
-      result.computed = base.computed && usable;
-      if (!result.computed) {
-        if (trial.note.empty()) trial.note = usable ? "standard rejected: " + reference.note : why;
-        continue;
+    for (QcSample& trial : report.trials) trial.results.emplace_back();
+    // Chunks of trials over threads; in each, X, Y, Z of the whole chunk and the differences
+    // of its usable trials through the batch functions (run in the chunk's thread).
+    ParallelFor(report.trials.size(), kTrialChunk, [&](std::size_t begin, std::size_t end) {
+      const std::size_t n = end - begin;
+      std::vector<double> curves(n * CKSData::kLength, kMissing);
+      std::vector<double> xyz(n * 3, kMissing);
+      for (std::size_t i = 0; i < n; ++i) {
+        const QcSample& trial = report.trials[begin + i];
+        if (!trial.hasMissing) {
+          std::copy_n(trial.curve.GetData(), CKSData::kLength, curves.data() + i * CKSData::kLength);
+        }
       }
-      ComputeColorDifference(standardPrepared.sample, trialPrepared.sample, system.system,
-                             condition.illuminant, condition.observer, system.weights.data(),
-                             result.difference, system.parameter);
-      for (std::size_t k = 0; k < 3; ++k) result.labDelta[k] = result.lab[k] - base.lab[k];
-      DescribeShade(base.lab[1], base.lab[2], result.labDelta[0], result.labDelta[1],
-                    result.labDelta[2], result.shade, codes, colours, 0);
-      result.pass = std::fabs(result.difference[6]) <= settings.tolerance;
-    }
+      ComputeXYZBatch(curves.data(), n, CKSData::kLength, condition.illuminant, condition.observer,
+                      xyz.data(), 3);
+      Prepared trialPrepared;
+      std::vector<vq_sample> samples;
+      std::vector<std::size_t> compared;  // the trials behind `samples`
+      std::string why;
+      for (std::size_t i = 0; i < n; ++i) {
+        QcSample& trial = report.trials[begin + i];
+        QcResult& result = trial.results.back();
+        const bool usable = AcceptXyz(trial, xyz.data() + i * 3, result.xyz, why);
+        if (usable) {
+          PrepareFromXyz(condition, system, result, trialPrepared);
+        } else {
+          for (std::size_t k = 0; k < 5; ++k) result.lab[k] = kMissing;
+        }
+        result.computed = base.computed && usable;
+        if (!result.computed) {
+          if (trial.note.empty()) trial.note = usable ? "standard rejected: " + reference.note : why;
+          continue;
+        }
+        samples.push_back(ToCSample(trialPrepared.sample));
+        compared.push_back(begin + i);
+      }
+      if (compared.empty()) return;
+      std::vector<vq_diff7> differences(compared.size());
+      const vq_sample standardSample = ToCSample(standardPrepared.sample);
+      const bool batched =
+          vq_difference_batch(&standardSample, samples.data(), samples.size(), system.system,
+                              condition.illuminant, condition.observer, system.weights.data(),
+                              system.parameter, differences.data()) == VQ_OK;
+      CDWordArray codes;  // the shade codes and colours, not reported
+      CDWordArray colours;
+      CColorSample trialSample;
+      for (std::size_t j = 0; j < compared.size(); ++j) {
+        QcResult& result = report.trials[compared[j]].results.back();
+        if (batched) {
+          for (std::size_t k = 0; k < 7; ++k) result.difference[k] = differences[j].slot[k];
+        } else {  // a condition the C interface does not take: one trial at a time
+          FromCSample(samples[j], trialSample);
+          ComputeColorDifference(standardPrepared.sample, trialSample, system.system,
+                                 condition.illuminant, condition.observer, system.weights.data(),
+                                 result.difference, system.parameter);
+        }
+        for (std::size_t k = 0; k < 3; ++k) result.labDelta[k] = result.lab[k] - base.lab[k];
+        DescribeShade(base.lab[1], base.lab[2], result.labDelta[0], result.labDelta[1],
+                      result.labDelta[2], result.shade, codes, colours, 0);
+        result.pass = std::fabs(result.difference[6]) <= settings.tolerance;
+      }
+    });
     report.summaries.push_back(Summarise(report.trials, c));
   }
 
