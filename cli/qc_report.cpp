@@ -148,6 +148,29 @@ bool SampleXyz(const QcSample& sample, const Condition& condition, CValueVector3
   return AcceptXyz(sample, computed, xyz, why);
 }
 
+void SampleXyzBatch(const std::vector<QcSample>& samples, const Condition& condition,
+                    std::vector<double>& xyz, std::vector<std::string>& why) {
+  xyz.assign(samples.size() * 3, kMissing);
+  why.assign(samples.size(), std::string());
+  ParallelFor(samples.size(), kTrialChunk, [&](std::size_t begin, std::size_t end) {
+    const std::size_t n = end - begin;
+    std::vector<double> curves(n * CKSData::kLength, kMissing);
+    std::vector<double> computed(n * 3, kMissing);
+    for (std::size_t i = 0; i < n; ++i) {
+      if (samples[begin + i].hasMissing) continue;
+      std::copy_n(samples[begin + i].curve.GetData(), CKSData::kLength,
+                  curves.data() + i * CKSData::kLength);
+    }
+    ComputeXYZBatch(curves.data(), n, CKSData::kLength, condition.illuminant, condition.observer,
+                    computed.data(), 3);
+    CValueVector3 accepted;
+    for (std::size_t i = 0; i < n; ++i) {
+      AcceptXyz(samples[begin + i], computed.data() + i * 3, accepted, why[begin + i]);
+      for (std::size_t k = 0; k < 3; ++k) xyz[(begin + i) * 3 + k] = accepted[k];
+    }
+  });
+}
+
 bool QcReport::AllPassed() const {
   return std::all_of(summaries.begin(), summaries.end(),
                      [](const QcSummary& s) { return s.failed == 0 && s.rejected == 0; });
