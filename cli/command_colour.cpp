@@ -8,6 +8,7 @@
 #include "velquor/colorimetry/hunter_lab.h"
 #include "velquor/colorimetry/illuminants.h"
 #include "velquor/colorimetry/lab.h"
+#include "velquor/colorimetry/coordinate_batch.h"
 #include "velquor/colorimetry/luv.h"
 #include "velquor/colorimetry/rgb.h"
 #include "velquor/colorimetry/tristimulus.h"
@@ -51,9 +52,15 @@ const SpaceColumns& ColumnsOf(ColourSpace space) {
 const SpaceColumns kXyzColumns{
     ColourSpace::kYxy, {"X", "Y", "Z", "x", "y"}, {"XYZ_X", "XYZ_Y", "XYZ_Z", "XYY_X", "XYY_Y"}, 4};
 
-// The values of one sample from its X, Y, Z in `space` (or XYZ with x, y when `xyzOnly`).
-std::vector<double> Coordinates(const CValueVector3& xyz, const Condition& c, bool xyzOnly,
-                                ColourSpace space) {
+// True for the spaces built on CIELAB, whose L*, a*, b*, C*ab, hab come from XYZToLabBatch.
+bool BuiltOnLab(ColourSpace space) {
+  return space == ColourSpace::kLab || space == ColourSpace::kLch || space == ColourSpace::kDin99;
+}
+
+// The values of one sample from its X, Y, Z in `space` (or XYZ with x, y when `xyzOnly`);
+// `lab` holds its CIELAB record for the spaces BuiltOnLab.
+std::vector<double> Coordinates(const CValueVector3& xyz, const double* lab, const Condition& c,
+                                bool xyzOnly, ColourSpace space) {
   double x = kMissing;
   double y = kMissing;
   if (xyzOnly || space == ColourSpace::kYxy) XYZToChromaticity(xyz, x, y);
@@ -62,11 +69,9 @@ std::vector<double> Coordinates(const CValueVector3& xyz, const Condition& c, bo
   CValueVector3 three;
   switch (space) {
     case ColourSpace::kLab:
-      XYZToLab(c.illuminant, c.observer, xyz, five);
-      return {five[0], five[1], five[2]};
+      return {lab[0], lab[1], lab[2]};
     case ColourSpace::kLch:
-      XYZToLab(c.illuminant, c.observer, xyz, five);
-      return {five[0], five[3], five[4]};
+      return {lab[0], lab[3], lab[4]};
     case ColourSpace::kLuv:
       XYZToLuv(c.illuminant, c.observer, xyz, five);
       return {five[0], five[1], five[2], five[3], five[4]};
@@ -74,8 +79,7 @@ std::vector<double> Coordinates(const CValueVector3& xyz, const Condition& c, bo
       XYZToHunterLab(c.illuminant, c.observer, xyz, three);
       return {three[0], three[1], three[2]};
     case ColourSpace::kDin99:
-      XYZToLab(c.illuminant, c.observer, xyz, five);
-      LabToDIN99(five[0], five[1], five[2], 1.0, 1.0, five);
+      LabToDIN99(lab[0], lab[1], lab[2], 1.0, 1.0, five);
       return {five[0], five[1], five[2], five[3], five[4]};
     case ColourSpace::kYxy:
       return {xyz[1], x, y};
@@ -127,19 +131,32 @@ int RunColour(CommandArgs args, CommandOutput& io, bool xyzOnly) {
   table.notes = set.notes;
   std::vector<std::vector<std::string>> written(conditions.size() * columns.names.size());
   int result = kExitSuccess;
-  for (Condition& condition : conditions)
-    EnsureWeightTable(condition.illuminant, condition.observer);
+  // X, Y, Z (and CIELAB where the space needs it) of every sample under every condition,
+  // through the batch functions.
+  const std::size_t n = set.samples.size();
+  std::vector<std::vector<double>> xyzOf(conditions.size()), labOf(conditions.size());
+  std::vector<std::vector<std::string>> whyOf(conditions.size());
+  for (std::size_t c = 0; c < conditions.size(); ++c) {
+    EnsureWeightTable(conditions[c].illuminant, conditions[c].observer);
+    SampleXyzBatch(set.samples, conditions[c], xyzOf[c], whyOf[c]);
+    if (xyzOnly || !BuiltOnLab(space)) continue;
+    labOf[c].assign(n * 5, kMissing);
+    XYZToLabBatch(conditions[c].illuminant, conditions[c].observer, xyzOf[c].data(), 3,
+                  labOf[c].data(), 5, n);
+  }
   CValueVector3 xyz;
-  std::string why;
-  for (const QcSample& sample : set.samples) {
+  for (std::size_t s = 0; s < n; ++s) {
+    const QcSample& sample = set.samples[s];
     std::string rejected;
     for (std::size_t c = 0; c < conditions.size(); ++c) {
       std::vector<Cell> row{TextCell(sample.name), TextCell(conditions[c].label)};
-      const bool usable = SampleXyz(sample, conditions[c], xyz, why);
-      if (!usable && rejected.empty()) rejected = why;
-      const std::vector<double> values = usable
-                                             ? Coordinates(xyz, conditions[c], xyzOnly, space)
-                                             : std::vector<double>(columns.names.size(), kMissing);
+      const bool usable = whyOf[c][s].empty();
+      if (!usable && rejected.empty()) rejected = whyOf[c][s];
+      for (std::size_t k = 0; k < 3; ++k) xyz[k] = xyzOf[c][s * 3 + k];
+      const double* lab = labOf[c].empty() ? nullptr : labOf[c].data() + s * 5;
+      const std::vector<double> values =
+          usable ? Coordinates(xyz, lab, conditions[c], xyzOnly, space)
+                 : std::vector<double>(columns.names.size(), kMissing);
       for (std::size_t k = 0; k < values.size(); ++k) {
         row.push_back(NumberCell(values[k], columns.decimals));
         written[c * columns.names.size() + k].push_back(row.back().missing ? "" : row.back().text);

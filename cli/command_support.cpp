@@ -1,5 +1,7 @@
 #include "command_support.h"
 
+#include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <system_error>
 
@@ -129,6 +131,27 @@ bool WriteTextFile(const std::string& path, const std::string& text, std::string
 
 namespace {
 
+// IsValidUtf8 over a large rendering: runs of ASCII are skipped eight bytes at a time and only
+// the runs of other bytes between them are checked (an ASCII byte ends every sequence, so the
+// text is valid exactly when each such run is).
+bool IsValidUtf8Text(std::string_view text) {
+  std::size_t i = 0;
+  const std::size_t n = text.size();
+  while (i < n) {
+    while (i + 8 <= n) {
+      std::uint64_t word = 0;
+      std::memcpy(&word, text.data() + i, 8);
+      if ((word & 0x8080808080808080u) != 0) break;
+      i += 8;
+    }
+    while (i < n && static_cast<unsigned char>(text[i]) < 0x80) ++i;
+    const std::size_t start = i;
+    while (i < n && static_cast<unsigned char>(text[i]) >= 0x80) ++i;
+    if (i > start && !IsValidUtf8(text.substr(start, i - start))) return false;
+  }
+  return true;
+}
+
 template <typename Source>
 bool Emit(const ParsedArguments& args, const Source& source, std::string (*text)(const Source&),
           std::string (*csv)(const Source&), std::string (*json)(const Source&),
@@ -143,7 +166,7 @@ bool Emit(const ParsedArguments& args, const Source& source, std::string (*text)
   bool repaired = false;
   const auto render = [&](std::string (*renderer)(const Source&)) {
     std::string rendered = renderer(source);
-    if (IsValidUtf8(rendered)) return rendered;
+    if (IsValidUtf8Text(rendered)) return rendered;
     repaired = true;
     return ReplaceInvalidUtf8(rendered);
   };

@@ -5,10 +5,21 @@
 #include <string>
 #include <vector>
 
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
 #include "commands.h"
 #include "velquor/frame/message.h"
 
 int main(int argc, char** argv) {
+#if defined(__GLIBC__)
+  // A large batch allocates and frees its file text and per-sample buffers in turn: keep
+  // freed memory in the heap for the next allocation instead of handing it back to the
+  // system and faulting fresh pages in again (a third of the time of reading 100,000 spectra).
+  mallopt(M_MMAP_THRESHOLD, 256 * 1024 * 1024);
+  mallopt(M_TRIM_THRESHOLD, 512 * 1024 * 1024);
+#endif
   // A command-line tool tells its user on standard error, never in a message box.
   velquor::SetMessageSink(velquor::WriteMessageToStandardError);
   const std::vector<std::string> args(argv + 1, argv + argc);

@@ -16,6 +16,7 @@
 #include "velquor/difference/system_catalogue.h"
 #include "velquor/frame/constants.h"
 #include "velquor/frame/numeric.h"
+#include "velquor/frame/thread_pool.h"
 #include "velquor/indices/index_formulas.h"
 #include "velquor/strength/strength.h"
 
@@ -29,13 +30,9 @@ struct Prepared {
   CValueVector3 triple;
 };
 
-// False (with the reason) when the sample is rejected under `condition`.
-bool Prepare(const QcSample& sample, const Condition& condition, const DifferenceChoice& system,
-             QcResult& result, Prepared& prepared, std::string& why) {
-  if (!SampleXyz(sample, condition, result.xyz, why)) {
-    for (std::size_t k = 0; k < 5; ++k) result.lab[k] = kMissing;
-    return false;
-  }
+// The sample for the difference system and the CIELAB values of `result`, from its X, Y, Z.
+void PrepareFromXyz(const Condition& condition, const DifferenceChoice& system, QcResult& result,
+                    Prepared& prepared) {
   FillColorSample(result.xyz, system.system, condition.illuminant, condition.observer,
                   system.weights.data(), prepared.sample, prepared.triple);
   if (FillsCieLab(system.system)) {
@@ -43,6 +40,16 @@ bool Prepare(const QcSample& sample, const Condition& condition, const Differenc
   } else {
     XYZToLab(condition.illuminant, condition.observer, result.xyz, result.lab);
   }
+}
+
+// False (with the reason) when the sample is rejected under `condition`.
+bool Prepare(const QcSample& sample, const Condition& condition, const DifferenceChoice& system,
+             QcResult& result, Prepared& prepared, std::string& why) {
+  if (!SampleXyz(sample, condition, result.xyz, why)) {
+    for (std::size_t k = 0; k < 5; ++k) result.lab[k] = kMissing;
+    return false;
+  }
+  PrepareFromXyz(condition, system, result, prepared);
   return true;
 }
 
@@ -51,6 +58,10 @@ void PackSample(const CColorSample& sample, std::vector<double>& samples) {
   samples.insert(samples.end(), sample.xyz.GetData(), sample.xyz.GetData() + 3);
   samples.insert(samples.end(), sample.coordinates.GetData(), sample.coordinates.GetData() + 5);
 }
+
+// Trials per chunk of the comparison's split over threads: a trial costs about a microsecond
+// (X, Y, Z, the sample, the difference and the shade words), a chunk some 250.
+constexpr std::size_t kTrialChunk = 256;
 
 QcSummary Summarise(const std::vector<QcSample>& trials, std::size_t condition) {
   QcSummary summary;
@@ -100,17 +111,55 @@ std::string MissingWavelengthText(const CKSData& curve) {
   return text.empty() ? text : text + " nm";
 }
 
-bool SampleXyz(const QcSample& sample, const Condition& condition, CValueVector3& xyz,
-               std::string& why) {
+namespace {
+
+// The rejection rule of SampleXyz, for X, Y, Z already computed (`computed`, read only when the
+// sample has no missing point).
+bool AcceptXyz(const QcSample& sample, const double* computed, CValueVector3& xyz, std::string& why) {
   if (sample.hasMissing) {
     for (std::size_t k = 0; k < 3; ++k) xyz[k] = kMissing;
     why = "missing values at " + MissingWavelengthText(sample.curve);
     return false;
   }
-  ComputeXYZ(sample.curve, condition.illuminant, condition.observer, xyz);
+  for (std::size_t k = 0; k < 3; ++k) xyz[k] = computed[k];
   if (std::isfinite(xyz[0]) && std::isfinite(xyz[1]) && std::isfinite(xyz[2])) return true;
   why = "tristimulus values not finite (spectral values too large)";
   return false;
+}
+
+}  // namespace
+
+bool SampleXyz(const QcSample& sample, const Condition& condition, CValueVector3& xyz,
+               std::string& why) {
+  double computed[3] = {kMissing, kMissing, kMissing};
+  if (!sample.hasMissing) {
+    ComputeXYZBatch(sample.curve.GetData(), 1, CKSData::kLength, condition.illuminant,
+                    condition.observer, computed, 3);
+  }
+  return AcceptXyz(sample, computed, xyz, why);
+}
+
+void SampleXyzBatch(const std::vector<QcSample>& samples, const Condition& condition,
+                    std::vector<double>& xyz, std::vector<std::string>& why) {
+  xyz.assign(samples.size() * 3, kMissing);
+  why.assign(samples.size(), std::string());
+  ParallelFor(samples.size(), kTrialChunk, [&](std::size_t begin, std::size_t end) {
+    const std::size_t n = end - begin;
+    std::vector<double> curves(n * CKSData::kLength, kMissing);
+    std::vector<double> computed(n * 3, kMissing);
+    for (std::size_t i = 0; i < n; ++i) {
+      if (samples[begin + i].hasMissing) continue;
+      std::copy_n(samples[begin + i].curve.GetData(), CKSData::kLength,
+                  curves.data() + i * CKSData::kLength);
+    }
+    ComputeXYZBatch(curves.data(), n, CKSData::kLength, condition.illuminant, condition.observer,
+                    computed.data(), 3);
+    CValueVector3 accepted;
+    for (std::size_t i = 0; i < n; ++i) {
+      AcceptXyz(samples[begin + i], computed.data() + i * 3, accepted, why[begin + i]);
+      for (std::size_t k = 0; k < 3; ++k) xyz[(begin + i) * 3 + k] = accepted[k];
+    }
+  });
 }
 
 bool QcReport::AllPassed() const {
@@ -133,9 +182,6 @@ QcReport ComputeQcReport(const QcSettings& settings, QcSample standard,
 
   const DifferenceChoice& system = settings.system;
   Prepared standardPrepared;
-  Prepared trialPrepared;
-  CDWordArray codes;  // the shade codes and colours, not reported; kept across trials
-  CDWordArray colours;
   QcSample& reference = report.standard;
   for (std::size_t c = 0; c < settings.conditions.size(); ++c) {
     Condition condition = settings.conditions[c];
@@ -144,38 +190,63 @@ QcReport ComputeQcReport(const QcSettings& settings, QcSample standard,
     std::string why;
     base.computed = Prepare(reference, condition, system, base, standardPrepared, why);
     if (!base.computed && reference.note.empty()) reference.note = why;
-    // The trials' samples first, then their differences in one batch, then the rest.
-    std::vector<double> samples;
-    for (QcSample& trial : report.trials) {
-      QcResult& result = trial.results.emplace_back();
-      const bool usable = Prepare(trial, condition, system, result, trialPrepared, why);
-      result.computed = base.computed && usable;
-      if (!result.computed) {
-        if (trial.note.empty()) trial.note = usable ? "standard rejected: " + reference.note : why;
-        continue;
+    for (QcSample& trial : report.trials) trial.results.emplace_back();
+    // Chunks of trials over threads; in each, X, Y, Z of the whole chunk and the differences
+    // of its usable trials through the batch functions (run in the chunk's thread).
+    ParallelFor(report.trials.size(), kTrialChunk, [&](std::size_t begin, std::size_t end) {
+      const std::size_t n = end - begin;
+      std::vector<double> curves(n * CKSData::kLength, kMissing);
+      std::vector<double> xyz(n * 3, kMissing);
+      for (std::size_t i = 0; i < n; ++i) {
+        const QcSample& trial = report.trials[begin + i];
+        if (!trial.hasMissing) {
+          std::copy_n(trial.curve.GetData(), CKSData::kLength, curves.data() + i * CKSData::kLength);
+        }
       }
-      PackSample(trialPrepared.sample, samples);
-    }
-    std::vector<double> standardSample;
-    PackSample(standardPrepared.sample, standardSample);
-    const std::size_t computed = samples.size() / kBatchSampleDoubles;
-    std::vector<double> differences(computed * kBatchDifferenceDoubles);
-    ComputeDifferencesParallel(standardSample.data(), 0, samples.data(), kBatchSampleDoubles,
-                               computed,
-                               {system.system, condition.illuminant, condition.observer,
-                                system.weights.data(), system.parameter},
-                               differences.data(), kBatchDifferenceDoubles);
-    const double* difference = differences.data();
-    for (QcSample& trial : report.trials) {
-      QcResult& result = trial.results.back();
-      if (!result.computed) continue;
-      std::copy(difference, difference + kBatchDifferenceDoubles, result.difference.GetData());
-      difference += kBatchDifferenceDoubles;
-      for (std::size_t k = 0; k < 3; ++k) result.labDelta[k] = result.lab[k] - base.lab[k];
-      DescribeShade(base.lab[1], base.lab[2], result.labDelta[0], result.labDelta[1],
-                    result.labDelta[2], result.shade, codes, colours, 0);
-      result.pass = std::fabs(result.difference[6]) <= settings.tolerance;
-    }
+      ComputeXYZBatch(curves.data(), n, CKSData::kLength, condition.illuminant, condition.observer,
+                      xyz.data(), 3);
+      Prepared trialPrepared;
+      std::vector<double> samples;
+      std::vector<std::size_t> compared;  // the trials behind `samples`
+      std::string why;
+      for (std::size_t i = 0; i < n; ++i) {
+        QcSample& trial = report.trials[begin + i];
+        QcResult& result = trial.results.back();
+        const bool usable = AcceptXyz(trial, xyz.data() + i * 3, result.xyz, why);
+        if (usable) {
+          PrepareFromXyz(condition, system, result, trialPrepared);
+        } else {
+          for (std::size_t k = 0; k < 5; ++k) result.lab[k] = kMissing;
+        }
+        result.computed = base.computed && usable;
+        if (!result.computed) {
+          if (trial.note.empty()) trial.note = usable ? "standard rejected: " + reference.note : why;
+          continue;
+        }
+        PackSample(trialPrepared.sample, samples);
+        compared.push_back(begin + i);
+      }
+      if (compared.empty()) return;
+      std::vector<double> standardSample;
+      PackSample(standardPrepared.sample, standardSample);
+      std::vector<double> differences(compared.size() * kBatchDifferenceDoubles);
+      ComputeDifferences(standardSample.data(), 0, samples.data(), kBatchSampleDoubles,
+                         compared.size(),
+                         {system.system, condition.illuminant, condition.observer,
+                          system.weights.data(), system.parameter},
+                         differences.data(), kBatchDifferenceDoubles);
+      CDWordArray codes;  // the shade codes and colours, not reported
+      CDWordArray colours;
+      for (std::size_t j = 0; j < compared.size(); ++j) {
+        QcResult& result = report.trials[compared[j]].results.back();
+        const double* difference = differences.data() + j * kBatchDifferenceDoubles;
+        std::copy(difference, difference + kBatchDifferenceDoubles, result.difference.GetData());
+        for (std::size_t k = 0; k < 3; ++k) result.labDelta[k] = result.lab[k] - base.lab[k];
+        DescribeShade(base.lab[1], base.lab[2], result.labDelta[0], result.labDelta[1],
+                      result.labDelta[2], result.shade, codes, colours, 0);
+        result.pass = std::fabs(result.difference[6]) <= settings.tolerance;
+      }
+    });
     report.summaries.push_back(Summarise(report.trials, c));
   }
 

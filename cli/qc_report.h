@@ -103,6 +103,12 @@ std::string MissingWavelengthText(const CKSData& curve);
 bool SampleXyz(const QcSample& sample, const Condition& condition, CValueVector3& xyz,
                std::string& why);
 
+// SampleXyz over many samples, in chunks over threads through ComputeXYZBatch: X, Y, Z of
+// samples[i] in xyz[3 i .. 3 i + 2] (missing values where rejected), and the reason a sample is
+// rejected in why[i] (empty for a usable one).
+void SampleXyzBatch(const std::vector<QcSample>& samples, const Condition& condition,
+                    std::vector<double>& xyz, std::vector<std::string>& why);
+
 }  // namespace velquor::cli
 
 namespace velquor::cli {

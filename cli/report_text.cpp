@@ -1,10 +1,11 @@
 // Tables and the QC report as aligned text for the terminal, and as CSV.
 #include <algorithm>
-#include <cstdio>
+#include <cmath>
 #include <initializer_list>
 
 #include "report.h"
 #include "velquor/frame/constants.h"
+#include "velquor/frame/numeric.h"
 
 namespace velquor::cli {
 
@@ -24,22 +25,26 @@ void AppendPadded(std::string& out, std::string_view text, std::size_t width, bo
   if (!right) out.append(pad, ' ');
 }
 
-std::string CsvField(std::string_view text) {
-  if (text.find_first_of(",\"\n\r") == std::string_view::npos) return std::string(text);
-  std::string quoted = "\"";
-  for (char c : text) {
-    if (c == '"') quoted.push_back('"');
-    quoted.push_back(c);
+// Appends `text` as one CSV field: quoted (quotes doubled) when it holds a comma, a quote or
+// a line end.
+void AppendCsvField(std::string& out, std::string_view text) {
+  if (text.find_first_of(",\"\n\r") == std::string_view::npos) {
+    out.append(text);
+    return;
   }
-  quoted.push_back('"');
-  return quoted;
+  out.push_back('"');
+  for (char c : text) {
+    if (c == '"') out.push_back('"');
+    out.push_back(c);
+  }
+  out.push_back('"');
 }
 
 // One CSV line. Missing values are empty fields, as the measurement files write them.
 void AppendCsvRow(std::string& out, const std::vector<std::string>& fields) {
   for (std::size_t c = 0; c < fields.size(); ++c) {
     if (c > 0) out.push_back(',');
-    out += CsvField(fields[c]);
+    AppendCsvField(out, fields[c]);
   }
   out.push_back('\n');
 }
@@ -47,7 +52,7 @@ void AppendCsvRow(std::string& out, const std::vector<std::string>& fields) {
 void AppendCsvRow(std::string& out, const std::vector<Cell>& cells) {
   for (std::size_t c = 0; c < cells.size(); ++c) {
     if (c > 0) out.push_back(',');
-    if (!cells[c].missing) out += CsvField(cells[c].text);
+    if (!cells[c].missing) AppendCsvField(out, cells[c].text);
   }
   out.push_back('\n');
 }
@@ -181,15 +186,38 @@ std::string RenderQcText(const QcReport& report) {
   return out;
 }
 
-// Row by row, without building the whole table: a batch may hold a million trials.
+// Straight into one buffer, row by row, without cells or a table: a batch may hold a million
+// trials. The same texts as QcResultRow gives, missing values as empty fields.
 std::string RenderQcCsv(const QcReport& report) {
   std::string out;
   AppendCsvRow(out, QcResultHeaders(report));
-  std::vector<Cell> row;
+  const std::size_t columns = QcResultHeaders(report).size();
+  out.reserve(out.size() + report.trials.size() * report.conditions.size() * (columns * 6 + 48));
+  const auto number = [&out](double value, int decimals) {
+    out.push_back(',');
+    if (!IsMissing(value) && std::isfinite(value)) AppendFixed(out, value, decimals);
+  };
   for (const QcSample& trial : report.trials) {
     for (std::size_t c = 0; c < report.conditions.size(); ++c) {
-      QcResultRow(report, trial, c, row);
-      AppendCsvRow(out, row);
+      const QcResult& result = trial.results[c];
+      AppendCsvField(out, trial.name);
+      out.push_back(',');
+      AppendCsvField(out, report.conditions[c].label);
+      for (std::size_t slot = 0; slot < 7; ++slot) {
+        number(result.computed ? result.difference[slot] : kMissing, 2);
+      }
+      out.push_back(',');
+      if (result.computed) AppendCsvField(out, ShadeWords(result.shade));
+      out.append(!result.computed ? ",rejected" : result.pass ? ",pass" : ",fail");
+      for (double value : trial.indices) {
+        if (c == 0) number(value, 2);
+        else out.push_back(',');
+      }
+      if (report.withStrength) {
+        if (c == 0) number(trial.strength, 2);
+        else out.push_back(',');
+      }
+      out.push_back('\n');
     }
   }
   return out;

@@ -1,7 +1,8 @@
 #include "table.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 
 #include "velquor/frame/numeric.h"
 
@@ -22,13 +23,22 @@ Cell NumberCell(double value, int decimals) {
     cell.text = "missing";
     return cell;
   }
-  char buffer[64];
-  std::snprintf(buffer, sizeof buffer, "%.*f", decimals, value);
-  cell.text = buffer;
-  if (cell.text.starts_with("-") && cell.text.find_first_of("123456789") == std::string::npos) {
-    cell.text.erase(0, 1);  // "-0.00" reads as a sign where there is no difference
-  }
+  AppendFixed(cell.text, value, decimals);
   return cell;
+}
+
+void AppendFixed(std::string& out, double value, int decimals) {
+  // Fixed notation as printf's "%.*f" writes it (to_chars with a precision rounds the exact
+  // binary value the same way); 1e308 takes 309 digits before the point.
+  char buffer[400];
+  const auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, decimals);
+  if (ec != std::errc()) return;
+  const char* begin = buffer;
+  const char* const stop = end;
+  if (*begin == '-' && std::find_if(begin, stop, [](char c) { return c >= '1' && c <= '9'; }) == stop) {
+    ++begin;  // "-0.00" reads as a sign where there is no difference
+  }
+  out.append(begin, stop);
 }
 
 }  // namespace velquor::cli

@@ -27,4 +27,9 @@ Cell TextCell(std::string text);
 // A number with `decimals` digits after the point; the missing value gives "missing".
 Cell NumberCell(double value, int decimals);
 
+// Appends the text of NumberCell(value, decimals) for a finite value that is not the missing
+// value (the caller handles those), without a temporary string: the renderers of large
+// batches call it per value.
+void AppendFixed(std::string& out, double value, int decimals);
+
 }  // namespace velquor::cli

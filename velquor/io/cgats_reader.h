@@ -21,7 +21,16 @@
 // value that is not a number, two columns of the same wavelength or name, counts that
 // disagree with NUMBER_OF_FIELDS / NUMBER_OF_SETS, more than kMaxColumns columns, no
 // spectral column, no sample. Memory grows with the samples read (a row costs at most about
-// 16 bytes for each byte of its line), never with the length of a refused line.
+// 16 bytes for each byte of its line) and, for a regular file of up to 1 GiB, which is read
+// whole, with the file's size; a larger file or a stream is read in blocks, and then memory
+// never grows with the length of a refused line.
+//
+// The data rows of a table held in memory (over 2 MiB of them) are read in blocks of about
+// 1 MiB, cut at line ends, over BatchThreads() threads (velquor/frame/thread_pool.h); a block
+// stops at the first row that is not plain (an odd byte, a quote left open, a wrong field
+// count, a value that is not a number) and the rows from there on are read line by line. The
+// result, messages and notes included, is the same as reading every line in turn, at any
+// thread count.
 // Nothing throws; on error `out` holds what was read so far and must not be used.
 #pragma once
 

@@ -9,6 +9,7 @@
 // Nothing here throws.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <functional>
@@ -48,6 +49,15 @@ class LineReader {
   bool Empty() const { return bytesRead_ == 0; }
   // The offending byte after kBinary.
   unsigned char BinaryByte() const { return binaryByte_; }
+
+  // Lines of text held in memory only: the text not yet handed out (empty for a reader of a
+  // source, and after kTooLong or kBinary), so that a caller can read many lines at once ...
+  std::string_view UnreadText() const { return sticky_ == Status::kLine ? text_ : std::string_view(); }
+  // ... and then step over the first `bytes` of it, which hold `lines` whole lines.
+  void Skip(std::size_t bytes, std::size_t lines) {
+    text_.remove_prefix(std::min(bytes, text_.size()));
+    lineNumber_ += lines;
+  }
 
  private:
   bool Fill();

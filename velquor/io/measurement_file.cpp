@@ -7,13 +7,18 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <cstdint>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 
 #include "velquor/io/atomic_file.h"
 #include "velquor/io/measurement_text_ids.h"
+#include "velquor/io/plain_decimal.h"
 #include "velquor/frame/constants.h"
 #include "velquor/frame/numeric.h"
 #include "velquor/frame/resources.h"
+#include "velquor/frame/thread_pool.h"
 #include "velquor/frame/utf8.h"
 
 namespace velquor {
@@ -56,6 +61,12 @@ bool ParseWavelengthDigits(std::string_view text, double& nanometres) {
 }
 
 std::string FormatWavelength(double nanometres) { return FormatMeasurementNumber(nanometres); }
+
+// Samples per chunk of FinishMeasurementFile's split over threads (some 50 microseconds).
+constexpr std::size_t kFinishChunk = 1024;
+
+// Largest file read whole into memory (ReadLinesOfFile); larger ones are read in blocks.
+constexpr std::uintmax_t kWholeFileLimit = std::uintmax_t{1} << 30;
 
 }  // namespace
 
@@ -105,6 +116,7 @@ bool ParseSpectralColumnName(std::string_view name, bool allowPlain, double& nan
 }
 
 bool ParseMeasurementNumber(std::string_view text, bool decimalComma, double& value) {
+  if (ParsePlainDecimal(text, value)) return true;
   if (text.empty()) return false;
   if (text.front() == '+') {
     text.remove_prefix(1);
@@ -216,14 +228,13 @@ std::string MeasurementFile::DescribeScale() const {
 
 namespace {
 
-// The scale read: the detection rule of kPercentDetectionQuantile over `values`, which it
-// reorders.
-ReflectanceScale DetectScale(std::vector<double>& values) {
-  if (values.empty()) return ReflectanceScale::kFraction;
-  const auto rank = static_cast<std::size_t>(std::ceil(kPercentDetectionQuantile * static_cast<double>(values.size())));
-  const auto at = values.begin() + static_cast<std::ptrdiff_t>(std::max<std::size_t>(rank, 1) - 1);
-  std::nth_element(values.begin(), at, values.end());
-  return *at > kPercentDetectionThreshold ? ReflectanceScale::kPercent : ReflectanceScale::kFraction;
+// The scale read: the detection rule of kPercentDetectionQuantile over `count` values of which
+// `atMostThreshold` are <= kPercentDetectionThreshold. The value of nearest rank r is above
+// the threshold exactly when fewer than r values are at or below it, so counting is enough.
+ReflectanceScale DetectScale(std::size_t count, std::size_t atMostThreshold) {
+  if (count == 0) return ReflectanceScale::kFraction;
+  const auto rank = static_cast<std::size_t>(std::ceil(kPercentDetectionQuantile * static_cast<double>(count)));
+  return atMostThreshold < std::max<std::size_t>(rank, 1) ? ReflectanceScale::kPercent : ReflectanceScale::kFraction;
 }
 
 // A note naming the first sample whose largest value looks like the other scale, when the
@@ -248,29 +259,52 @@ void NoteScaleDisagreement(MeasurementFile& file, const std::vector<double>& lar
 }  // namespace
 
 void FinishMeasurementFile(MeasurementFile& file, ReflectanceScale requested) {
-  std::vector<double> all;
+  // Per sample (split over threads: a large batch holds millions of values): its largest
+  // value, how many values it has and how many of them are at most the detection threshold.
+  struct SampleStats {
+    double largest = kMissing;
+    std::size_t count = 0;
+    std::size_t atMostThreshold = 0;
+    bool anyMissing = false;
+  };
+  std::vector<SampleStats> stats(file.samples.size());
+  ParallelFor(file.samples.size(), kFinishChunk, [&](std::size_t begin, std::size_t end) {
+    for (std::size_t s = begin; s < end; ++s) {
+      SampleStats& st = stats[s];
+      for (const double v : file.samples[s].values) {
+        if (IsMissing(v)) {
+          st.anyMissing = true;
+          continue;
+        }
+        if (IsMissing(st.largest) || v > st.largest) st.largest = v;
+        ++st.count;
+        st.atMostThreshold += v <= kPercentDetectionThreshold ? 1 : 0;
+      }
+    }
+  });
+  std::size_t count = 0;
+  std::size_t atMostThreshold = 0;
+  double largest = kMissing;
   std::vector<double> largestOfSample(file.samples.size(), kMissing);
   for (std::size_t s = 0; s < file.samples.size(); ++s) {
+    const SampleStats& st = stats[s];
+    count += st.count;
+    atMostThreshold += st.atMostThreshold;
+    largestOfSample[s] = st.largest;
+    if (!IsMissing(st.largest) && (IsMissing(largest) || st.largest > largest)) largest = st.largest;
+    if (!st.anyMissing) continue;
     std::string missing;
     for (std::size_t i = 0; i < file.samples[s].values.size(); ++i) {
-      const double v = file.samples[s].values[i];
-      if (IsMissing(v)) {
-        if (!missing.empty()) missing += ", ";
-        missing += FormatWavelength(file.wavelengths[i]);
-        continue;
-      }
-      if (IsMissing(largestOfSample[s]) || v > largestOfSample[s]) largestOfSample[s] = v;
-      all.push_back(v);
+      if (!IsMissing(file.samples[s].values[i])) continue;
+      if (!missing.empty()) missing += ", ";
+      missing += FormatWavelength(file.wavelengths[i]);
     }
-    if (!missing.empty()) {
-      file.notes.push_back(
-          {file.samples[s].line,
-           FormatMeasurementText(measurement_text::kMissingValues, {file.SampleLabel(s), missing})});
-    }
+    file.notes.push_back(
+        {file.samples[s].line, FormatMeasurementText(measurement_text::kMissingValues, {file.SampleLabel(s), missing})});
   }
-  file.largestValue = all.empty() ? 0.0 : *std::max_element(all.begin(), all.end());
+  file.largestValue = count == 0 ? 0.0 : largest;
   file.scaleDetected = requested == ReflectanceScale::kAuto;
-  file.scale = file.scaleDetected ? DetectScale(all) : requested;
+  file.scale = file.scaleDetected ? DetectScale(count, atMostThreshold) : requested;
   NoteScaleDisagreement(file, largestOfSample);
 }
 
@@ -328,6 +362,29 @@ MeasurementStatus ReadLinesOfFile(const std::string& path,
                                       FormatMeasurementText(measurement_text::kCannotOpen, {std::strerror(error)}));
   }
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> closer(file, &std::fclose);
+  // A regular file of reasonable size is read in one go, so that its lines can be handed out
+  // without copying and the readers can split the data rows over threads; anything else
+  // (a pipe, a device, a huge file) is read block by block with bounded memory.
+  std::error_code code;
+  const std::filesystem::path fsPath(path);
+  if (std::filesystem::is_regular_file(fsPath, code)) {
+    const std::uintmax_t size = std::filesystem::file_size(fsPath, code);
+    if (!code && size <= kWholeFileLimit) {
+      const auto length = static_cast<std::size_t>(size);
+      const std::unique_ptr<char[]> text = std::make_unique_for_overwrite<char[]>(length + 1);
+      const std::size_t got = length == 0 ? 0 : std::fread(text.get(), 1, length, file);
+      if (!std::ferror(file) && got == length && std::fgetc(file) == EOF && !std::ferror(file)) {
+        LineReader reader{std::string_view(text.get(), length)};
+        return read(reader);
+      }
+      // The file changed size while read, or a read failed: start again block by block.
+      std::clearerr(file);
+      if (std::fseek(file, 0, SEEK_SET) != 0) {
+        return MeasurementStatus::Failure(path, 0, FormatMeasurementText(measurement_text::kReadError,
+                                                                         {std::strerror(EIO)}));
+      }
+    }
+  }
   LineReader reader(file);
   return read(reader);
 }

@@ -178,7 +178,9 @@ std::string_view RepairUtf8Line(std::string_view line, std::size_t lineNumber, s
                                 MeasurementFile& file);
 
 // For the readers: opens `path`, hands its lines to `read` and closes it; a file that cannot
-// be opened is an error naming the file and the system's reason.
+// be opened is an error naming the file and the system's reason. A regular file of up to
+// 1 GiB is read whole first (the reader then hands out lines of text held in memory, see
+// LineReader::UnreadText); anything else is read in blocks.
 MeasurementStatus ReadLinesOfFile(const std::string& path,
                                   const std::function<MeasurementStatus(LineReader&)>& read);
 
