@@ -34,6 +34,11 @@ inline constexpr double kThreeDecimals = 5e-4;
 // reference, spectra mapped onto the grid from another grid).
 inline constexpr double kInterpolated = 1e-6;
 
+// A batch path against the per-sample function it stands for (the vector kernels, the thread
+// split): the same formula with the same operations, allowed a few ulp for a target that fuses
+// or reorders them; near zero the absolute kNearZero applies.
+inline constexpr double kBatchAgreement = 1e-13;
+
 // A root or minimum located by a search to its stated tolerance.
 inline constexpr double kSearch = 1e-9;
 
