@@ -182,24 +182,32 @@ void EvaluateKind(const IndexPlan& plan, const double* xyz, std::size_t xyzStrid
   const std::size_t lanes = hn::Lanes(d);
   V k[4];
   for (std::size_t i = 0; i < 4; ++i) k[i] = hn::Set(d, plan.k[i]);
-  // Samples are gathered into columns by plain loads: X, Y, Z of a sample sit side by side
-  // (stride 3 for the C interface's records), which no single vector load takes apart.
+  // Records of stride 3 (the C interface's, the bindings') are taken apart by
+  // LoadInterleaved3; other strides are gathered into columns by plain loads.
   HWY_ALIGN double cx[kMaxLanes], cy[kMaxLanes], cz[kMaxLanes], flag[kMaxLanes];
   std::size_t n = 0;
   for (; n + lanes <= count; n += lanes) {
     const double* s = xyz + n * xyzStride;
-    for (std::size_t j = 0; j < lanes; ++j, s += xyzStride) {
-      cx[j] = s[0];
-      cy[j] = s[1];
-      cz[j] = s[2];
+    V X, Y, Z;
+    if (xyzStride == 3) {
+      hn::LoadInterleaved3(d, s, X, Y, Z);
+    } else {
+      for (std::size_t j = 0; j < lanes; ++j) {
+        cx[j] = s[j * xyzStride];
+        cy[j] = s[j * xyzStride + 1];
+        cz[j] = s[j * xyzStride + 2];
+      }
+      X = hn::Load(d, cx);
+      Y = hn::Load(d, cy);
+      Z = hn::Load(d, cz);
     }
-    const V X = hn::Load(d, cx), Y = hn::Load(d, cy), Z = hn::Load(d, cz);
     hn::StoreU(EvaluateLanes<kKind>(d, k, X, Y, Z), d, out + n);
     const auto refine = LanesForSampleFunction<kKind>(d, X, Y, Z);
     if (!hn::AllFalse(d, refine)) {
       hn::Store(hn::IfThenElseZero(refine, hn::Set(d, 1.0)), d, flag);
       for (std::size_t j = 0; j < lanes; ++j) {
-        if (flag[j] != 0.0) out[n + j] = SampleFunction(plan, cx[j], cy[j], cz[j]);
+        const double* sample = s + j * xyzStride;
+        if (flag[j] != 0.0) out[n + j] = SampleFunction(plan, sample[0], sample[1], sample[2]);
       }
     }
   }
