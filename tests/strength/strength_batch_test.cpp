@@ -87,8 +87,9 @@ struct Setting {
   int saundersonOn;
   double k1, k2;
 };
-// Off; a paint surface; coefficients that drive the Saunderson divisor to its 1e-5 floor.
-constexpr Setting kSettings[] = {{0, 0.04, 0.6}, {1, 0.04, 0.6}, {1, 0.9, 0.2}};
+// Off; a paint surface; two settings that drive the Saunderson divisor to its 1e-5 floor, the
+// second (k2 = 1) so far that a missing point, kept as 1e-05 %, differs from a corrected one.
+constexpr Setting kSettings[] = {{0, 0.04, 0.6}, {1, 0.04, 0.6}, {1, 0.9, 0.2}, {1, 0.0, 1.0}};
 // 500 nm (index 14), 365 nm (index 0, outside 420-680 nm but on the curve), 300 and 800 nm
 // (off the curve: missing).
 constexpr int kUserWavelengths[] = {500, 365, 300, 800};

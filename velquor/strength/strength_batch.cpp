@@ -8,6 +8,7 @@
 #include "velquor/frame/thread_pool.h"
 #include "velquor/strength/constants.h"
 #include "velquor/strength/spectral_index.h"
+#include "velquor/strength/strength_kernel.h"
 #include "velquor/strength/strength_paths.h"
 
 namespace velquor {
@@ -147,7 +148,22 @@ bool StrengthBatch(const CStrengthSettings& settings, const CKSData& standardSpe
     int usable = illuminant;
     EnsureWeightTable(usable, observer);
   }
+  // The K/S sums of the spectral and weighted paths come from the vector kernel, written into
+  // `out` and turned into strengths in place.
+  const bool kubelkaMunk = !useAbsorbance && plan.path != Path::kTristimulus;
   ParallelFor(count, kStrengthChunk, [&](std::size_t begin, std::size_t end) {
+    if (kubelkaMunk) {
+      const bool weighted = plan.path == Path::kWeighted;
+      KubelkaMunkSums(batchSpectra + begin * spectrumStride, spectrumStride, end - begin,
+                      plan.first, plan.last, weighted ? plan.weights : nullptr, plan.k1, plan.k2,
+                      out + begin);
+      for (std::size_t n = begin; n < end; ++n) {
+        out[n] = weighted           ? StrengthRatio(plan.standardSum, out[n])
+                 : plan.exchanged ? StrengthFromSums(out[n], plan.standardSum)
+                                  : StrengthFromSums(plan.standardSum, out[n]);
+      }
+      return;
+    }
     CKSData curve;
     CValueVector3 colour;
     for (std::size_t n = begin; n < end; ++n) {
