@@ -20,6 +20,9 @@ namespace velquor {
 // standard's weighted sum (pseudo-tristimulus), the standard's corrected tristimulus sum, the
 // index of maximum absorption (methods 1, 13, from the standard) and of the user wavelength
 // (2, 14). `wavelength` is read and written as by CalcStrength, once for the whole batch.
+// The K/S sums of the spectral and pseudo-tristimulus methods run in the vector kernel of
+// strength_kernel.h, several batches side by side, with the per-batch operations in the same
+// order; optical density (log10) and the tristimulus methods run per batch.
 // Batches are split over threads (ParallelFor); results do not depend on the thread count.
 // False, with `out` and `wavelength` untouched, for spectrumStride below 40, colourStride
 // below 3 with colours given, or null pointers with count > 0. Nothing throws.
