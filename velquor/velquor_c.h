@@ -382,7 +382,10 @@ int vq_describe_shade(const vq_coords5* standard, const vq_diff7* difference, in
  * not listed above (the fastness grades compare two samples: vq_fastness). */
 int vq_index(uint32_t identifier, int illuminant, int observer, const vq_xyz* xyz,
              const double* coefficients, double* value) VQ_NOEXCEPT;
-/* The same over `count` samples. */
+/* The same over `count` samples, values[k] for xyz[k]: the formula and its constants are
+ * resolved once, the samples run several at a time in vector registers where the formula is
+ * plain arithmetic, and large batches are split over the library's threads
+ * (vq_set_batch_threads); every value is what vq_index gives for its sample. */
 int vq_index_batch(uint32_t identifier, int illuminant, int observer, const vq_xyz* xyz,
                    size_t count, const double* coefficients, double* values) VQ_NOEXCEPT;
 /* Dominant wavelength (nm, negative for a complementary wavelength) and excitation purity
