@@ -400,7 +400,10 @@ int vq_describe_shade(const vq_coords5* standard, const vq_diff7* difference, in
  * not listed above (the fastness grades compare two samples: vq_fastness). */
 int vq_index(uint32_t identifier, int illuminant, int observer, const vq_xyz* xyz,
              const double* coefficients, double* value) VQ_NOEXCEPT;
-/* The same over `count` samples. */
+/* The same over `count` samples, values[k] for xyz[k]: the formula and its constants are
+ * resolved once, the samples run several at a time in vector registers where the formula is
+ * plain arithmetic, and large batches are split over the library's threads
+ * (vq_set_batch_threads); every value is what vq_index gives for its sample. */
 int vq_index_batch(uint32_t identifier, int illuminant, int observer, const vq_xyz* xyz,
                    size_t count, const double* coefficients, double* values) VQ_NOEXCEPT;
 /* Dominant wavelength (nm, negative for a complementary wavelength) and excitation purity
@@ -499,6 +502,15 @@ int vq_strength(const vq_strength_settings* settings, const double* standard,
                 const double* batch, const vq_xyz* standard_xyz, const vq_xyz* batch_xyz,
                 int illuminant, int observer, int use_absorbance, double* strength,
                 int* wavelength) VQ_NOEXCEPT;
+/* Strength of `count` batches against one standard, as vq_strength for each: batch k is the 40
+ * points at batches + 40 k, its tristimulus values batch_xyz[k] (batch_xyz may be NULL: then
+ * computed from the spectra; read by methods 7-10 only), its strength strengths[k]. The
+ * standard's part is worked out once and the batches are split over the library's threads
+ * (vq_set_batch_threads); the results are those of vq_strength at any thread count. */
+int vq_strength_batch(const vq_strength_settings* settings, const double* standard,
+                      const vq_xyz* standard_xyz, const double* batches, const vq_xyz* batch_xyz,
+                      size_t count, int illuminant, int observer, int use_absorbance,
+                      double* strengths, int* wavelength) VQ_NOEXCEPT;
 /* The name of method 0..14 ("Apparent", ...). */
 int vq_strength_method_name(int method, char* buffer, size_t size) VQ_NOEXCEPT;
 /* The label of a settings record, "100.00 Apparent", "95.00 Chromatic @ 520 nm". */

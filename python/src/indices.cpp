@@ -3,7 +3,6 @@
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -11,6 +10,7 @@
 
 #include "arrays.h"
 #include "velquor/data/value_vectors.h"
+#include "velquor/indices/index_batch.h"
 #include "velquor/indices/index_formulas.h"
 
 namespace velquor::python {
@@ -48,24 +48,21 @@ py::list IndexTable() {
   return entries;
 }
 
-py::array_t<double> Evaluate(const Table& xyz, TristimulusIndexFormula function, int illuminant,
+py::array_t<double> Evaluate(const Table& xyz, std::uint32_t identifier, int illuminant,
                              int observer) {
   const std::size_t count = Rows(xyz, CValueVector3::kLength, "xyz");
   py::array_t<double> out(static_cast<py::ssize_t>(count));
   const double* in = xyz.data();
   double* dst = out.mutable_data();
   py::gil_scoped_release release;
-  CValueVector3 sample;
-  for (std::size_t n = 0; n < count; ++n) {
-    std::copy(in + 3 * n, in + 3 * n + 3, sample.GetData());
-    dst[n] = function(illuminant, observer, sample);
-  }
+  ComputeIndexBatch(identifier, illuminant, observer, in, CValueVector3::kLength, nullptr, dst,
+                    count);
   return out;
 }
 
 py::array_t<double> Index(const Table& xyz, std::size_t entry, int illuminant, int observer) {
   if (entry >= kIndexCount) throw py::index_error("no index entry " + std::to_string(entry));
-  return Evaluate(xyz, FindIndexFormula(kIndices[entry].identifier)->plain, illuminant, observer);
+  return Evaluate(xyz, kIndices[entry].identifier, illuminant, observer);
 }
 
 // An index by its catalogue short name ("WI CIE", "YI E313-73 (R)", "Dom. Wav." ...).
@@ -76,7 +73,7 @@ py::array_t<double> CatalogueIndex(const Table& xyz, const std::string& name, in
   if (formula == nullptr || formula->plain == nullptr) {
     throw py::key_error("no index computed from XYZ is named '" + name + "'");
   }
-  return Evaluate(xyz, formula->plain, illuminant, observer);
+  return Evaluate(xyz, identifier, illuminant, observer);
 }
 
 }  // namespace

@@ -9,19 +9,26 @@
 
 #include "arrays.h"
 #include "velquor/colorimetry/tristimulus.h"
+#include "velquor/colorimetry/weight_table_cache.h"
 #include "velquor/data/ks_data.h"
 #include "velquor/data/value_vectors.h"
+#include "velquor/frame/thread_pool.h"
 #include "velquor/strength/strength.h"
+#include "velquor/strength/strength_batch.h"
 #include "velquor/strength/strength_settings.h"
 
 namespace velquor::python {
 namespace {
 
 constexpr std::size_t kSpectrum = CKSData::kLength;
+// Pairs per chunk of the thread split when every batch has its own standard: some 50
+// microseconds of work.
+constexpr std::size_t kPairChunk = 128;
 
-// Strength in percent of every batch against its standard (one standard may serve all), with
-// the wavelength the method used; the tristimulus values the colour methods read are
-// integrated from the same spectra (ComputeXYZ) for the chosen pair.
+// Strength in percent of every batch against its standard (one standard may serve all, and is
+// then prepared once: StrengthBatch), with the wavelength the method used; the tristimulus
+// values the colour methods read are integrated from the same spectra (ComputeXYZ) for the
+// chosen pair. The batches are split over the library's threads, without the GIL.
 py::tuple Strength(const Table& standards, const Table& batches, int method, int illuminant,
                    int observer, bool useAbsorbance, std::optional<double> k1,
                    std::optional<double> k2, int userWavelength) {
@@ -46,19 +53,37 @@ py::tuple Strength(const Table& standards, const Table& batches, int method, int
   int* used = wavelengths.mutable_data();
   {
     py::gil_scoped_release release;
-    CKSData standard;
-    CKSData batch;
-    CValueVector3 standardXyz;
-    CValueVector3 batchXyz;
-    for (std::size_t n = 0; n < count; ++n) {
-      std::copy(s + n * standardStride, s + n * standardStride + kSpectrum, standard.GetData());
-      std::copy(b + n * batchStride, b + n * batchStride + kSpectrum, batch.GetData());
+    // The weighting table of the pair is loaded before the work is split over threads.
+    int usable = illuminant;
+    EnsureWeightTable(usable, observer);
+    if (standardStride == 0) {
+      // One standard for more than one batch: its part is worked out once.
+      CKSData standard;
+      CValueVector3 standardXyz;
+      std::copy(s, s + kSpectrum, standard.GetData());
       ComputeXYZ(standard, illuminant, observer, standardXyz);
-      ComputeXYZ(batch, illuminant, observer, batchXyz);
       int wavelength = 0;
-      out[n] = CalcStrength(settings, standard, batch, standardXyz, batchXyz, illuminant,
-                            observer, useAbsorbance, wavelength);
-      used[n] = wavelength;
+      StrengthBatch(settings, standard, standardXyz, b, batchStride, nullptr, 0, count, illuminant,
+                    observer, useAbsorbance, out, wavelength);
+      std::fill(used, used + count, wavelength);
+    } else {
+      ParallelFor(count, kPairChunk, [&](std::size_t begin, std::size_t end) {
+        CKSData standard;
+        CKSData batch;
+        CValueVector3 standardXyz;
+        CValueVector3 batchXyz;
+        for (std::size_t n = begin; n < end; ++n) {
+          std::copy(s + n * standardStride, s + n * standardStride + kSpectrum,
+                    standard.GetData());
+          std::copy(b + n * batchStride, b + n * batchStride + kSpectrum, batch.GetData());
+          ComputeXYZ(standard, illuminant, observer, standardXyz);
+          ComputeXYZ(batch, illuminant, observer, batchXyz);
+          int wavelength = 0;
+          out[n] = CalcStrength(settings, standard, batch, standardXyz, batchXyz, illuminant,
+                                observer, useAbsorbance, wavelength);
+          used[n] = wavelength;
+        }
+      });
     }
   }
   return py::make_tuple(strength, wavelengths);

@@ -1,5 +1,6 @@
 // The C interface of the colour indices: the whiteness, tint, yellowness and filter-value
 // indices of one sample's tristimulus values, addressed by their catalogue identifiers.
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -8,6 +9,7 @@
 #include "velquor/indices/e313_white_point.h"
 #include "velquor/indices/fastness_grades.h"
 #include "velquor/indices/filter_values.h"
+#include "velquor/indices/index_batch.h"
 #include "velquor/indices/index_catalogue.h"
 #include "velquor/indices/index_formulas.h"
 #include "velquor/indices/step_code.h"
@@ -19,6 +21,10 @@ using namespace velquor;
 using namespace velquor::capi;
 
 namespace {
+
+constexpr std::size_t kXyzStride = sizeof(vq_xyz) / sizeof(double);
+static_assert(sizeof(vq_xyz) == 3 * sizeof(double) && offsetof(vq_xyz, z) == 2 * sizeof(double),
+              "vq_xyz is read as three consecutive doubles");
 
 using FastnessIndex = double (*)(int illuminant, int observer, const CValueVector3& reference,
                                  const CValueVector3& specimen);
@@ -55,13 +61,10 @@ int vq_index_batch(uint32_t identifier, int illuminant, int observer, const vq_x
   if (entry->calibrated != nullptr && coefficients == nullptr) return VQ_ERR_NULL;
   if (!IsValidPair(illuminant, observer)) return VQ_ERR_RANGE;
   return Guard([&] {
-    CValueVector3& sample = ThreadScratch().xyz;
-    for (size_t i = 0; i < count; ++i) {
-      ToVector(xyz[i], sample);
-      values[i] = entry->plain != nullptr
-                      ? entry->plain(illuminant, observer, sample)
-                      : entry->calibrated(illuminant, observer, sample, coefficients);
-    }
+    // vq_xyz is three doubles without padding: the records are a table of stride 3.
+    const double* table = count > 0 ? &xyz[0].x : nullptr;
+    ComputeIndexBatch(identifier, illuminant, observer, table, kXyzStride, coefficients, values,
+                      count);
     return VQ_OK;
   });
 }

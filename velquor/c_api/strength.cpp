@@ -10,6 +10,7 @@
 #include "velquor/strength/minimisers.h"
 #include "velquor/strength/root_finder.h"
 #include "velquor/strength/strength.h"
+#include "velquor/strength/strength_batch.h"
 #include "velquor/strength/strength_labels.h"
 #include "velquor/strength/strength_settings.h"
 
@@ -103,6 +104,34 @@ int vq_strength(const vq_strength_settings* settings, const double* standard,
     int used = 0;
     *strength = CalcStrength(ToSettings(*settings), standardCurve, batchCurve, s.xyz, s.xyzOut,
                              illuminant, observer, use_absorbance != 0, used);
+    if (wavelength != nullptr) *wavelength = ReportsWavelength(settings->method) ? used : 0;
+    return VQ_OK;
+  });
+}
+
+int vq_strength_batch(const vq_strength_settings* settings, const double* standard,
+                      const vq_xyz* standard_xyz, const double* batches, const vq_xyz* batch_xyz,
+                      size_t count, int illuminant, int observer, int use_absorbance,
+                      double* strengths, int* wavelength) noexcept {
+  if (settings == nullptr || standard == nullptr) return VQ_ERR_NULL;
+  if (count > 0 && (batches == nullptr || strengths == nullptr)) return VQ_ERR_NULL;
+  if (!IsValidPair(illuminant, observer)) return VQ_ERR_RANGE;
+  return Guard([&] {
+    Scratch& s = ThreadScratch();
+    CKSData& standardCurve = s.curve;
+    LoadCurve(standard, standardCurve);
+    if (standard_xyz != nullptr) {
+      ToVector(*standard_xyz, s.xyz);
+    } else {
+      ComputeXYZ(standardCurve, illuminant, observer, s.xyz);
+    }
+    // vq_xyz is three doubles without padding: the records are a table of stride 3.
+    static_assert(sizeof(vq_xyz) == 3 * sizeof(double), "vq_xyz is three consecutive doubles");
+    const double* colours = batch_xyz != nullptr ? &batch_xyz[0].x : nullptr;
+    int used = 0;
+    StrengthBatch(ToSettings(*settings), standardCurve, s.xyz, batches, CKSData::kLength, colours,
+                  CValueVector3::kLength, count, illuminant, observer, use_absorbance != 0,
+                  strengths, used);
     if (wavelength != nullptr) *wavelength = ReportsWavelength(settings->method) ? used : 0;
     return VQ_OK;
   });

@@ -13,19 +13,6 @@ namespace velquor {
 
 namespace {
 
-// A point prepared for the spectral paths: Saunderson-corrected reflectance in percent.
-// Missing points are kept.
-double PreparePoint(double reflectance, double k1, double k2) {
-  if (IsMissing(reflectance)) return reflectance;
-  return SaundersonToInternal(reflectance * kStrengthPercentToFraction, k1, k2) *
-         kStrengthFractionToPercent;
-}
-
-// The absorption measure of a prepared point.
-double Absorption(double reflectance, bool useAbsorbance) {
-  return useAbsorbance ? AbsorbanceFromReflectance(reflectance) : KSFromReflectance(reflectance);
-}
-
 // True when both curves hold the points first..last (an empty range always fits).
 bool RangeFits(const CKSData& standard, const CKSData& batch, int first, int last) {
   if (last < first) return true;
@@ -43,8 +30,33 @@ double CorrectedColourValue(double value, double k1, double k2) {
   return SaundersonToInternal(value * kStrengthPercentToFraction, k1, k2);
 }
 
-// T of one colour into `sum`; false when a value used is missing.
-bool TristimulusSum(int column, const CValueVector3& colour, double k1, double k2, double& sum) {
+}  // namespace
+
+double PrepareStrengthPoint(double reflectance, double k1, double k2) {
+  if (IsMissing(reflectance)) return reflectance;
+  return SaundersonToInternal(reflectance * kStrengthPercentToFraction, k1, k2) *
+         kStrengthFractionToPercent;
+}
+
+double StrengthAbsorption(double prepared, bool useAbsorbance) {
+  return useAbsorbance ? AbsorbanceFromReflectance(prepared) : KSFromReflectance(prepared);
+}
+
+double StrengthFromSums(double sumStandard, double sumBatch) {
+  sumBatch = FloorSum(sumBatch);
+  const double divisor = FloorSum(sumStandard);
+  // Quotient first, as in StrengthRatio, so a batch equal to its standard gives exactly 100.
+  double strength = kStrengthFractionToPercent * (sumBatch / divisor);
+  if (strength > kStrengthCap) {
+    strength = kStrengthCap;
+  } else if (strength < kStrengthFloor) {
+    strength = kStrengthFloor;
+  }
+  return strength;
+}
+
+bool StrengthTristimulusSum(int column, const CValueVector3& colour, double k1, double k2,
+                            double& sum) {
   if (column == kStrengthColumnSum) {
     sum = 0.0;
     for (std::size_t c = 0; c < CValueVector3::kLength; ++c) {
@@ -59,8 +71,6 @@ bool TristimulusSum(int column, const CValueVector3& colour, double k1, double k
   return true;
 }
 
-}  // namespace
-
 double StrengthFromSpectra(const CKSData& standard, const CKSData& batch, bool useAbsorbance,
                            int firstIndex, int lastIndex, double k1, double k2) {
   if (!RangeFits(standard, batch, firstIndex, lastIndex)) return kMissing;
@@ -68,19 +78,10 @@ double StrengthFromSpectra(const CKSData& standard, const CKSData& batch, bool u
   double sumBatch = 0.0;
   for (int i = firstIndex; i <= lastIndex; ++i) {
     const auto p = static_cast<std::size_t>(i);
-    sumStandard += Absorption(PreparePoint(standard[p], k1, k2), useAbsorbance);
-    sumBatch += Absorption(PreparePoint(batch[p], k1, k2), useAbsorbance);
+    sumStandard += StrengthAbsorption(PrepareStrengthPoint(standard[p], k1, k2), useAbsorbance);
+    sumBatch += StrengthAbsorption(PrepareStrengthPoint(batch[p], k1, k2), useAbsorbance);
   }
-  sumBatch = FloorSum(sumBatch);
-  const double divisor = FloorSum(sumStandard);
-  // Quotient first, as in StrengthRatio, so a batch equal to its standard gives exactly 100.
-  double strength = kStrengthFractionToPercent * (sumBatch / divisor);
-  if (strength > kStrengthCap) {
-    strength = kStrengthCap;
-  } else if (strength < kStrengthFloor) {
-    strength = kStrengthFloor;
-  }
-  return strength;
+  return StrengthFromSums(sumStandard, sumBatch);
 }
 
 double StrengthWeighted(int illuminant, int observer, int column, const CKSData& standard,
@@ -104,8 +105,9 @@ double StrengthWeighted(int illuminant, int observer, int column, const CKSData&
   for (int i = firstIndex; i <= lastIndex; ++i) {
     const auto p = static_cast<std::size_t>(i);
     const double weight = chosen == nullptr ? x[p] + y[p] + z[p] : chosen[p];
-    sumStandard += Absorption(PreparePoint(standard[p], k1, k2), useAbsorbance) * weight;
-    sumBatch += Absorption(PreparePoint(batch[p], k1, k2), useAbsorbance) * weight;
+    sumStandard +=
+        StrengthAbsorption(PrepareStrengthPoint(standard[p], k1, k2), useAbsorbance) * weight;
+    sumBatch += StrengthAbsorption(PrepareStrengthPoint(batch[p], k1, k2), useAbsorbance) * weight;
   }
   return StrengthRatio(sumStandard, sumBatch);
 }
@@ -119,8 +121,8 @@ double StrengthTristimulus(int column, const CValueVector3& standardColour,
   }
   double sumStandard = 0.0;
   double sumBatch = 0.0;
-  if (!TristimulusSum(column, standardColour, k1, k2, sumStandard) ||
-      !TristimulusSum(column, batchColour, k1, k2, sumBatch)) {
+  if (!StrengthTristimulusSum(column, standardColour, k1, k2, sumStandard) ||
+      !StrengthTristimulusSum(column, batchColour, k1, k2, sumBatch)) {
     return kMissing;
   }
   return StrengthRatio(sumBatch, sumStandard);

@@ -61,6 +61,20 @@ double StrengthWeighted(int illuminant, int observer, int column, const CKSData&
 double StrengthTristimulus(int column, const CValueVector3& standardColour,
                            const CValueVector3& batchColour, double k1, double k2);
 
+// The pieces the paths share, for the batch form (strength_batch.h), which runs them on one
+// standard and many batches:
+// - a point prepared for the spectral paths: Saunderson-corrected reflectance in percent, a
+//   missing point kept as it is;
+double PrepareStrengthPoint(double reflectance, double k1, double k2);
+// - the absorption measure of a prepared point, K/S or, with `useAbsorbance`, optical density;
+double StrengthAbsorption(double prepared, bool useAbsorbance);
+// - the last step of StrengthFromSpectra from the two sums: floors, quotient, limits;
+double StrengthFromSums(double sumStandard, double sumBatch);
+// - T of one colour of StrengthTristimulus into `sum` (column 0..3, a colour of three values);
+//   false when a value it uses is missing.
+bool StrengthTristimulusSum(int column, const CValueVector3& colour, double k1, double k2,
+                            double& sum);
+
 // The common last step of the weighted and tristimulus paths: a' = a, or 1e-7 if |a| < 1e-7;
 // b' likewise; q = b' / a', limited to 9.9999 from above; the result is 100 q. No lower
 // limit: unlike StrengthFromSpectra a tiny or negative quotient is returned as it is.
