@@ -148,12 +148,17 @@ int vq_set_message_sink(vq_message_sink sink, void* context) VQ_NOEXCEPT;
 int vq_hue_in_degrees(void) VQ_NOEXCEPT;
 int vq_set_hue_in_degrees(int degrees) VQ_NOEXCEPT;
 
-/* Threads of the batch functions (vq_xyz_batch, vq_xyz_to_lab_batch, vq_lab_batch,
- * vq_difference_batch, vq_delta_e_batch), for the whole process. A batch larger than one chunk
- * (256 to 4096 samples, by function) is split into fixed chunks run by the calling thread and
- * up to threads - 1 workers of a pool the library starts on first need; smaller batches, and
- * any batch at threads = 1, run in the calling thread alone. Every sample is computed by the
- * same code whatever the split, so results are identical, bit for bit, at every setting.
+/* Threads of the batch functions (vq_xyz_batch, vq_xyz_to_lab_batch, vq_xyz_to_luv_batch,
+ * vq_lab_batch, vq_lab_to_din99_batch, vq_difference_batch, vq_difference_pairs,
+ * vq_delta_e_batch, vq_index_batch, vq_strength_batch), for the whole process. Their numbers
+ * come from the library's SIMD kernels where it has them: tristimulus values bit for bit as
+ * vq_compute_xyz, the rest within 1e-13 relative of the library's scalar formulas (atan2, sin,
+ * cos, exp and log are vector functions there), every branch and missing value as the scalar
+ * formula decides it. A batch larger than one chunk (256 to 32768 samples, by function) is
+ * split into fixed chunks run by the calling thread and up to threads - 1 workers of a pool
+ * the library starts on first need; smaller batches, and any batch at threads = 1, run in the
+ * calling thread alone. Every sample is computed by the same code whatever the split, so
+ * results are identical, bit for bit, at every setting.
  * `threads`: 0 = one per processor (the default), 1 = the calling thread only, larger values
  * are cut to VQ_MAX_BATCH_THREADS, negative values count as 1. Several threads may run batches
  * at once. The pool's workers are never joined: they wait, idle, until the process ends, and

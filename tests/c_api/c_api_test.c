@@ -292,7 +292,7 @@ static void TestDifferences(void) {
   const int kSystems[] = {VQ_DIFF_CIELAB, VQ_DIFF_CMC, VQ_DIFF_HUNTER, VQ_DIFF_CIELUV,
                           VQ_DIFF_DIN99, VQ_DIFF_FMC2, VQ_DIFF_GE_PQS2, VQ_DIFF_CHROMATICITY};
   for (int s = 0; s < COUNT(kSystems); ++s) {
-    vq_diff7 batch[3], single;
+    vq_diff7 batch[3] = {0}, single = {0};
     vq_sample std, one;
     CHECK_INT(s, vq_delta_e_batch(standardCurve, trials, 3, kSystems[s], 2, 1, weights, 0.0, batch),
               VQ_OK);
