@@ -3,9 +3,10 @@
 
   /usr/bin/python3 bench/ratios.py [--build build/release] [--repetitions 5]
 
-Runs every Google Benchmark named *_Vs* in build/bench/velquor_bench_* (each alternates velquor
-with its peer in every iteration and reports the counter "ratio" = peer time / velquor time:
-LittleCMS, the memory-bandwidth anchor, one thread) --repetitions times, then times the Python
+Runs every Google Benchmark named *Vs* in build/bench/velquor_bench_* (each alternates velquor
+with its peer in every iteration and reports the counter "ratio" = peer time / velquor time,
+against LittleCMS, the memory-bandwidth anchor or one thread, or "speedup" against per-sample
+calls) --repetitions times, then times the Python
 module against the C API on the same arrays in this process (ctypes on libvelquor.so), and
 prints one line per path: the median ratio, its spread (min-max) over the repetitions, and
 the SIMD level the benchmark ran at.
@@ -26,17 +27,20 @@ def run_benchmarks(build, repetitions):
     rows = {}
     for program in sorted(glob.glob(os.path.join(build, "bench", "velquor_bench_*"))):
         out = subprocess.run(
-            [program, "--benchmark_filter=_Vs", f"--benchmark_repetitions={repetitions}",
+            [program, "--benchmark_filter=Vs", f"--benchmark_repetitions={repetitions}",
              "--benchmark_format=json"],
             check=False, capture_output=True, text=True).stdout
         if not out.strip():
             continue  # no side-by-side benchmark in this program
         for b in json.loads(out)["benchmarks"]:
-            if b.get("run_type") != "iteration" or "ratio" not in b:
+            if b.get("run_type") != "iteration":
                 continue
             name = b["run_name"].replace("/manual_time", "").replace("/real_time", "")
-            rows.setdefault(name, {"label": b.get("label", ""), "ratios": []})
-            rows[name]["ratios"].append(b["ratio"])
+            for counter in ("ratio", "speedup", "speedup_threads"):
+                if counter in b:
+                    row = rows.setdefault(f"{name} {counter}",
+                                          {"label": b.get("label", ""), "ratios": []})
+                    row["ratios"].append(b[counter])
     return rows
 
 
@@ -97,10 +101,11 @@ def main():
     args = parser.parse_args()
     rows = run_benchmarks(args.build, args.repetitions)
     rows.update(python_against_c(args.build, args.repetitions))
-    print(f"{'path':<62} {'ratio':>7}  {'spread':>13}  level")
+    width = max(len(name) for name in rows)
+    print(f"{'path':<{width}} {'ratio':>7}  {'spread':>13}  level")
     for name, row in rows.items():
         r = row["ratios"]
-        print(f"{name:<62} {statistics.median(r):7.2f}  {min(r):6.2f}-{max(r):<6.2f}  "
+        print(f"{name:<{width}} {statistics.median(r):7.2f}  {min(r):6.2f}-{max(r):<6.2f}  "
               f"{row['label']}")
 
 
