@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstddef>
 #include <random>
+#include <thread>
 #include <vector>
 
 #include "velquor/colorimetry/coordinate_batch.h"
@@ -107,7 +108,8 @@ BENCHMARK(BM_SpectraToXYZ_VsBandwidth)
 // The fused bulk path (spectrum -> XYZ -> CIELAB chunk by chunk) at one batch thread and at
 // range(1) threads, alternating in every iteration. Wall-clock time, since the workers' CPU time
 // is not the caller's; the time reported is that at range(1) threads, and "ratio" is the time
-// at one thread / the time at range(1) threads (the speed-up).
+// at one thread / the time at range(1) threads (the speed-up); "anchor_ratio" is the same for
+// the bandwidth anchor.
 void BM_SpectraToLab_VsOneThread(benchmark::State& state) {
   const auto count = static_cast<std::size_t>(state.range(0));
   const std::vector<double> spectra = MakeSpectra(count);
@@ -130,8 +132,27 @@ void BM_SpectraToLab_VsOneThread(benchmark::State& state) {
     state.SetIterationTime(seconds);
   }
   velquor::SetBatchThreads(0);
+  // The same comparison for the bandwidth anchor, the whole memory read by one thread and then
+  // in range(1) equal parts by as many threads: the most any memory-bound pass can gain.
+  const auto threads = static_cast<std::size_t>(state.range(1));
+  const std::size_t part = spectra.size() / threads;
+  double anchorOne = 0.0, anchorMany = 0.0;
+  for (int repeat = 0; repeat < 5; ++repeat) {
+    auto start = std::chrono::steady_clock::now();
+    benchmark::DoNotOptimize(SumAll(spectra.data(), spectra.size()));
+    anchorOne += Seconds(start);
+    start = std::chrono::steady_clock::now();
+    std::vector<std::thread> workers;
+    for (std::size_t t = 1; t < threads; ++t) {
+      workers.emplace_back([&, t] { benchmark::DoNotOptimize(SumAll(&spectra[t * part], part)); });
+    }
+    benchmark::DoNotOptimize(SumAll(spectra.data(), part));
+    for (std::thread& worker : workers) worker.join();
+    anchorMany += Seconds(start);
+  }
   state.SetLabel(velquor::ActiveSimdLevelName());
   state.counters["ratio"] = oneSeconds / manySeconds;
+  state.counters["anchor_ratio"] = anchorOne / anchorMany;
   state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * count));
 }
 BENCHMARK(BM_SpectraToLab_VsOneThread)

@@ -36,7 +36,7 @@ def run_benchmarks(build, repetitions):
             if b.get("run_type") != "iteration":
                 continue
             name = b["run_name"].replace("/manual_time", "").replace("/real_time", "")
-            for counter in ("ratio", "speedup", "speedup_threads"):
+            for counter in ("ratio", "anchor_ratio", "speedup", "speedup_threads"):
                 if counter in b:
                     row = rows.setdefault(f"{name} {counter}",
                                           {"label": b.get("label", ""), "ratios": []})
