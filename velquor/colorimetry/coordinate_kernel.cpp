@@ -7,10 +7,15 @@
 
 #include "velquor/colorimetry/coordinate_kernel.h"
 
+#include <cmath>
+#include <cstdint>
+
+#include "velquor/colorimetry/constants.h"
 #include "velquor/colorimetry/coordinate_record.h"
 #include "velquor/colorimetry/din99.h"
 #include "velquor/colorimetry/lab.h"
 #include "velquor/colorimetry/luv.h"
+#include "velquor/frame/constants.h"
 #include "velquor/frame/options.h"
 #include "velquor/frame/simd_dispatch.h"
 
@@ -45,6 +50,7 @@ void ConvertPortable(CoordinateKind kind, const double* white, const double* xyz
 struct Din99Setup {
   double kCH, kE;
   bool degrees;
+  double cos16, sin16;  // of the 16 degree rotation, as LabToDIN99 computes them
 };
 
 void Din99Portable(const Din99Setup& s, const double* lab, std::size_t labStride, double* out,
@@ -71,11 +77,7 @@ void ConvertSetup(const Setup& s, const double* xyz, std::size_t xyzStride, doub
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "velquor/colorimetry/coordinate_kernel.cpp"
 #include "hwy/foreach_target.h"  // IWYU pragma: keep
-#include <cmath>
-
 #include "hwy/highway.h"
-#include "velquor/colorimetry/constants.h"
-#include "velquor/frame/constants.h"
 #include "velquor/frame/simd_math-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -87,10 +89,6 @@ namespace hn = hwy::HWY_NAMESPACE;
 using D = hn::ScalableTag<double>;
 using V = hn::Vec<D>;
 using M = hn::Mask<D>;
-
-HWY_INLINE M IsMissingLane(D d, V x) {
-  return hn::And(hn::Lt(hn::Set(d, kMissingLow), x), hn::Lt(x, hn::Set(d, kMissingHigh)));
-}
 
 HWY_INLINE M IsZeroLane(D d, V x) { return hn::Lt(hn::Abs(x), hn::Set(d, kZeroEpsilon)); }
 
@@ -150,106 +148,96 @@ HWY_INLINE void Luv(D d, const Setup& s, V x, V y, V z, V* out, M& refine) {
   ChromaHue(d, s, out[1], out[2], out[3], out[4], refine);
 }
 
-void ConvertVector(const Setup& s, const double* xyz, std::size_t xyzStride, double* out,
-                   std::size_t outStride, std::size_t count) {
+// Runs groups of samples of three values (in[i * inStride + 0..2]) through `vector`, which
+// computes five results and the lanes the scalar function must settle, writes the results to
+// out[i * outStride + 0..4] and calls scalar(sample, result) for those lanes; the remainder
+// goes to scalar one by one. Each sample is read before its results are written.
+template <class Vector, class Scalar>
+HWY_INLINE void RunGroups(const double* in, std::size_t inStride, double* out,
+                          std::size_t outStride, std::size_t count, Vector vector,
+                          Scalar scalar) {
   const D d;
   const std::size_t lanes = hn::Lanes(d);
   constexpr std::size_t kMaxLanes = hn::MaxLanes(D());
-  HWY_ALIGN double in[3][kMaxLanes];
+  HWY_ALIGN double columns[3][kMaxLanes];
   HWY_ALIGN double result[5][kMaxLanes];
   std::size_t n = 0;
   for (; n + lanes <= count; n += lanes) {
-    const double* source = xyz + n * xyzStride;
+    const double* source = in + n * inStride;
     for (std::size_t k = 0; k < lanes; ++k) {
-      for (std::size_t c = 0; c < 3; ++c) in[c][k] = source[k * xyzStride + c];
+      for (std::size_t c = 0; c < 3; ++c) columns[c][k] = source[k * inStride + c];
     }
-    const V x = hn::Load(d, in[0]), y = hn::Load(d, in[1]), z = hn::Load(d, in[2]);
-    M refine = hn::Or(hn::Or(IsMissingLane(d, x), IsMissingLane(d, y)), IsMissingLane(d, z));
+    const V v0 = hn::Load(d, columns[0]), v1 = hn::Load(d, columns[1]);
+    const V v2 = hn::Load(d, columns[2]);
+    M refine = hn::Or(hn::Or(InMissingBand(d, v0), InMissingBand(d, v1)), InMissingBand(d, v2));
     V values[5];
-    if (s.kind == CoordinateKind::kLab) {
-      Lab(d, s, x, y, z, values, refine);
-    } else {
-      Luv(d, s, x, y, z, values, refine);
-    }
+    vector(d, v0, v1, v2, values, refine);
     for (std::size_t c = 0; c < 5; ++c) hn::Store(values[c], d, result[c]);
     double* target = out + n * outStride;
     for (std::size_t k = 0; k < lanes; ++k) {
       for (std::size_t c = 0; c < 5; ++c) target[k * outStride + c] = result[c][k];
     }
-    if (!hn::AllFalse(d, refine)) {
-      HWY_ALIGN std::uint8_t bits[(kMaxLanes + 7) / 8] = {};
-      hn::StoreMaskBits(d, refine, bits);
-      for (std::size_t k = 0; k < lanes; ++k) {
-        if ((bits[k / 8] >> (k % 8)) & 1) {
-          const double sample[3] = {in[0][k], in[1][k], in[2][k]};
-          ConvertOne(s.kind, s.white, sample, target + k * outStride);
-        }
+    const std::uint64_t bits = hn::AllFalse(d, refine) ? 0 : LaneBits(d, refine);
+    for (std::size_t k = 0; k < lanes; ++k) {
+      if ((bits >> k) & 1) {
+        const double sample[3] = {columns[0][k], columns[1][k], columns[2][k]};
+        scalar(sample, target + k * outStride);
       }
     }
   }
-  ConvertPortable(s.kind, s.white, xyz + n * xyzStride, xyzStride, out + n * outStride, outStride,
-                  count - n);
+  for (; n < count; ++n) scalar(in + n * inStride, out + n * outStride);
+}
+
+void ConvertVector(const Setup& s, const double* xyz, std::size_t xyzStride, double* out,
+                   std::size_t outStride, std::size_t count) {
+  RunGroups(
+      xyz, xyzStride, out, outStride, count,
+      [&s](D d, V x, V y, V z, V* values, M& refine) {
+        if (s.kind == CoordinateKind::kLab) {
+          Lab(d, s, x, y, z, values, refine);
+        } else {
+          Luv(d, s, x, y, z, values, refine);
+        }
+      },
+      [&s](const double* sample, double* result) { ConvertOne(s.kind, s.white, sample, result); });
 }
 
 // DIN99 from L*, a*, b*: the rotation, compression and lightness are the scalar IEEE
 // operations; the logarithms, the hue's atan2 and its cosine and sine are Highway's (1-3 ulp).
 // The scalar path takes the lanes with e exactly 0 (its own hue rule), no logarithm of the
 // lightness, missing or non-finite values.
+HWY_INLINE void Din99(D d, const Din99Setup& s, V l, V a, V b, V* values, M& refine) {
+  const V cos16 = hn::Set(d, s.cos16);
+  const V sin16 = hn::Set(d, s.sin16);
+  const V lightness = hn::Add(hn::Set(d, 1.0), hn::Mul(hn::Set(d, kDin99LightnessFactor), l));
+  const V e = hn::Add(hn::Mul(cos16, a), hn::Mul(sin16, b));
+  const V f = hn::Mul(hn::Set(d, kDin99BScale), hn::Sub(hn::Mul(cos16, b), hn::Mul(sin16, a)));
+  refine = hn::Or(refine, hn::Eq(e, hn::Zero(d)));
+  refine = hn::Or(refine, hn::Not(hn::Gt(lightness, hn::Zero(d))));
+  V h = Atan2(d, f, e);
+  h = hn::IfThenElse(hn::Lt(h, hn::Zero(d)), hn::Add(h, hn::Set(d, kTwoPi)), h);
+  const V g = hn::Sqrt(hn::Add(hn::Mul(e, e), hn::Mul(f, f)));
+  refine = hn::Or(refine, hn::Not(hn::IsFinite(hn::Add(g, lightness))));
+  // Refined lanes get harmless logarithms of 1.
+  const V safeLightness = hn::IfThenElse(refine, hn::Set(d, 1.0), lightness);
+  const V safeChroma =
+      hn::IfThenElse(refine, hn::Set(d, 1.0),
+                     hn::Add(hn::Set(d, 1.0), hn::Mul(hn::Set(d, kDin99ChromaFactor), g)));
+  const V c99 = hn::Div(hn::Log(d, safeChroma), hn::Set(d, kDin99ChromaFactor * s.kCH * s.kE));
+  values[0] = hn::Div(hn::Mul(hn::Set(d, kDin99LightnessScale), hn::Log(d, safeLightness)),
+                      hn::Set(d, s.kE));
+  values[1] = hn::Mul(c99, hn::Cos(d, h));
+  values[2] = hn::Mul(c99, hn::Sin(d, h));
+  values[3] = c99;
+  values[4] = s.degrees ? hn::Mul(h, hn::Set(d, kRadToDeg)) : h;
+}
+
 void Din99Vector(const Din99Setup& s, const double* lab, std::size_t labStride, double* out,
                  std::size_t outStride, std::size_t count) {
-  const D d;
-  const std::size_t lanes = hn::Lanes(d);
-  constexpr std::size_t kMaxLanes = hn::MaxLanes(D());
-  HWY_ALIGN double in[3][kMaxLanes];
-  HWY_ALIGN double result[5][kMaxLanes];
-  const V cos16 = hn::Set(d, std::cos(kDin99Angle));
-  const V sin16 = hn::Set(d, std::sin(kDin99Angle));
-  const V chromaDivisor = hn::Set(d, kDin99ChromaFactor * s.kCH * s.kE);
-  std::size_t n = 0;
-  for (; n + lanes <= count; n += lanes) {
-    const double* source = lab + n * labStride;
-    for (std::size_t k = 0; k < lanes; ++k) {
-      for (std::size_t c = 0; c < 3; ++c) in[c][k] = source[k * labStride + c];
-    }
-    const V l = hn::Load(d, in[0]), a = hn::Load(d, in[1]), b = hn::Load(d, in[2]);
-    const V lightness = hn::Add(hn::Set(d, 1.0), hn::Mul(hn::Set(d, kDin99LightnessFactor), l));
-    const V e = hn::Add(hn::Mul(cos16, a), hn::Mul(sin16, b));
-    const V f = hn::Mul(hn::Set(d, kDin99BScale), hn::Sub(hn::Mul(cos16, b), hn::Mul(sin16, a)));
-    M refine = hn::Or(hn::Or(IsMissingLane(d, l), IsMissingLane(d, a)), IsMissingLane(d, b));
-    refine = hn::Or(refine, hn::Eq(e, hn::Zero(d)));
-    refine = hn::Or(refine, hn::Not(hn::Gt(lightness, hn::Zero(d))));
-    V h = Atan2(d, f, e);
-    h = hn::IfThenElse(hn::Lt(h, hn::Zero(d)), hn::Add(h, hn::Set(d, kTwoPi)), h);
-    const V g = hn::Sqrt(hn::Add(hn::Mul(e, e), hn::Mul(f, f)));
-    refine = hn::Or(refine, hn::Not(hn::IsFinite(hn::Add(g, lightness))));
-    const V safeLightness = hn::IfThenElse(refine, hn::Set(d, 1.0), lightness);
-    const V safeChroma =
-        hn::IfThenElse(refine, hn::Set(d, 1.0),
-                       hn::Add(hn::Set(d, 1.0), hn::Mul(hn::Set(d, kDin99ChromaFactor), g)));
-    const V c99 = hn::Div(hn::Log(d, safeChroma), chromaDivisor);
-    hn::Store(hn::Div(hn::Mul(hn::Set(d, kDin99LightnessScale), hn::Log(d, safeLightness)),
-                      hn::Set(d, s.kE)),
-              d, result[0]);
-    hn::Store(hn::Mul(c99, hn::Cos(d, h)), d, result[1]);
-    hn::Store(hn::Mul(c99, hn::Sin(d, h)), d, result[2]);
-    hn::Store(c99, d, result[3]);
-    hn::Store(s.degrees ? hn::Mul(h, hn::Set(d, kRadToDeg)) : h, d, result[4]);
-    double* target = out + n * outStride;
-    for (std::size_t k = 0; k < lanes; ++k) {
-      for (std::size_t c = 0; c < 5; ++c) target[k * outStride + c] = result[c][k];
-    }
-    if (!hn::AllFalse(d, refine)) {
-      HWY_ALIGN std::uint8_t bits[(kMaxLanes + 7) / 8] = {};
-      hn::StoreMaskBits(d, refine, bits);
-      for (std::size_t k = 0; k < lanes; ++k) {
-        if ((bits[k / 8] >> (k % 8)) & 1) {
-          const double sample[3] = {in[0][k], in[1][k], in[2][k]};
-          LabToDIN99(sample, s.kCH, s.kE, target + k * outStride);
-        }
-      }
-    }
-  }
-  Din99Portable(s, lab + n * labStride, labStride, out + n * outStride, outStride, count - n);
+  RunGroups(
+      lab, labStride, out, outStride, count,
+      [&s](D d, V l, V a, V b, V* values, M& refine) { Din99(d, s, l, a, b, values, refine); },
+      [&s](const double* sample, double* result) { LabToDIN99(sample, s.kCH, s.kE, result); });
 }
 
 }  // namespace HWY_NAMESPACE
@@ -297,7 +285,8 @@ void ConvertCoordinates(CoordinateKind kind, const double* white, const double* 
 
 void ConvertLabToDin99(const double* lab, std::size_t labStride, double kCH, double kE,
                        double* out, std::size_t outStride, std::size_t count) {
-  const Din99Setup s{kCH, kE, GetHueInDegrees() != 0};
+  const Din99Setup s{kCH, kE, GetHueInDegrees() != 0, std::cos(kDin99Angle),
+                     std::sin(kDin99Angle)};
   if (IsMissing(kCH) || IsMissing(kE) || IsZero(kCH) || IsZero(kE)) {
     Din99Portable(s, lab, labStride, out, outStride, count);
     return;
@@ -309,7 +298,8 @@ void ConvertLabToDin99(const double* lab, std::size_t labStride, double kCH, dou
 
 void ConvertLabToDin99(const double* lab, std::size_t labStride, double kCH, double kE,
                        double* out, std::size_t outStride, std::size_t count) {
-  Din99Portable({kCH, kE, GetHueInDegrees() != 0}, lab, labStride, out, outStride, count);
+  Din99Portable({kCH, kE, GetHueInDegrees() != 0, 0.0, 0.0}, lab, labStride, out, outStride,
+                count);
 }
 
 void ConvertCoordinates(CoordinateKind kind, const double* white, const double* xyz,

@@ -135,10 +135,6 @@ HWY_INLINE Samples LoadSamples(D d, const double* first, std::size_t stride, std
           hn::Load(d, column[6]), hn::Load(d, column[7])};
 }
 
-HWY_INLINE M InMissingBand(D d, V x) {
-  return hn::And(hn::Lt(hn::Set(d, kMissingLow), x), hn::Lt(x, hn::Set(d, kMissingHigh)));
-}
-
 // Lanes the vector formulas do not settle: an XYZ element in the missing band (a superset of a
 // missing sample), or a coordinate the formulas read that is not finite.
 HWY_INLINE M Unusual(D d, const Samples& s) {
@@ -400,7 +396,6 @@ void ComputeSystem(const BatchArgs& args) {
   const Weighting standardWeighting = WeightingFor<kSystem>(d, standard, args);
   PairReference reference;
   HWY_ALIGN double slots[kBatchDifferenceDoubles][kMaxLanes];
-  std::uint8_t refineBits[(kMaxLanes + 7) / 8 + 8] = {};
   for (std::size_t n = 0; n < args.count; n += lanes) {
     const std::size_t valid = std::min(lanes, args.count - n);
     const Samples s = oneStandard ? standard
@@ -411,10 +406,9 @@ void ComputeSystem(const BatchArgs& args) {
     V r[kBatchDifferenceDoubles];
     const M refine = ComputeGroup<kSystem>(d, s, t, w, args, r);
     for (std::size_t k = 0; k < kBatchDifferenceDoubles; ++k) hn::Store(r[k], d, slots[k]);
-    const bool anyRefine = !hn::AllFalse(d, refine);
-    if (anyRefine) hn::StoreMaskBits(d, refine, refineBits);
+    const std::uint64_t refineBits = hn::AllFalse(d, refine) ? 0 : LaneBits(d, refine);
     for (std::size_t k = 0; k < valid; ++k) {
-      if (anyRefine && ((refineBits[k / 8] >> (k % 8)) & 1) != 0) {
+      if (((refineBits >> k) & 1) != 0) {
         reference.Compute(args, n + k);
         continue;
       }

@@ -1,6 +1,6 @@
-// Vector elementary functions for the SIMD kernels: the library's cube root, and atan2 on top
-// of Google Highway's contrib math (whose atan, sin, cos, exp and log are within 1-3 ulp of
-// the C library). Included by kernel
+// Helpers of the SIMD kernels: the missing-value test and mask bits lane by lane, the library's
+// cube root, and atan2 on top of Google Highway's contrib math (whose atan, sin, cos, exp and
+// log are within 1-3 ulp of the C library). Included by kernel
 // files once per Highway target, after hwy/highway.h; the guard toggles like Highway's own
 // -inl.h headers.
 //
@@ -18,6 +18,7 @@
 #include <cstdint>
 
 #include "hwy/contrib/math/math-inl.h"
+#include "velquor/frame/constants.h"
 #include "velquor/frame/cube_root.h"
 #include "hwy/highway.h"
 
@@ -26,6 +27,23 @@ namespace velquor {
 namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
+
+// Lanes holding the library's missing value (IsMissing lane by lane: strictly inside the band).
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE hn::Mask<D> InMissingBand(D d, V x) {
+  return hn::And(hn::Lt(hn::Set(d, kMissingLow), x), hn::Lt(x, hn::Set(d, kMissingHigh)));
+}
+
+// The lanes of `mask` as bits, lane k in bit k (vectors of up to 64 lanes), for the kernels'
+// per-lane fallback loops.
+template <class D>
+HWY_INLINE std::uint64_t LaneBits(D d, hn::Mask<D> mask) {
+  std::uint8_t bytes[8] = {};
+  hn::StoreMaskBits(d, mask, bytes);
+  std::uint64_t bits = 0;
+  for (int i = 7; i >= 0; --i) bits = (bits << 8) | bytes[i];
+  return bits;
+}
 
 // CubeRoot (cube_root.h) lane by lane: the same operations in the same order, so the same bits.
 template <class D, class V = hn::Vec<D>>

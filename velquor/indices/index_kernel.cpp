@@ -104,6 +104,7 @@ void EvaluateScalar(const IndexPlan& plan, const double* xyz, std::size_t xyzStr
 #define HWY_TARGET_INCLUDE "velquor/indices/index_kernel.cpp"
 #include "hwy/foreach_target.h"  // IWYU pragma: keep
 #include "hwy/highway.h"
+#include "velquor/frame/simd_math-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace velquor {
@@ -162,10 +163,7 @@ HWY_INLINE V EvaluateLanes(D d, const V* k, V X, V Y, V Z) {
 // Lanes the per-sample function must decide (NeedsSampleFunction).
 template <IndexKind kKind>
 HWY_INLINE hn::Mask<D> LanesForSampleFunction(D d, V X, V Y, V Z) {
-  const V low = hn::Set(d, kMissingLow);
-  const V high = hn::Set(d, kMissingHigh);
-  const auto missing = [&](V v) { return hn::And(hn::Lt(low, v), hn::Lt(v, high)); };
-  auto mask = hn::Or(hn::Or(missing(X), missing(Y)), missing(Z));
+  auto mask = hn::Or(hn::Or(InMissingBand(d, X), InMissingBand(d, Y)), InMissingBand(d, Z));
   mask = hn::Or(mask, hn::Not(hn::And(hn::And(hn::IsFinite(X), hn::IsFinite(Y)), hn::IsFinite(Z))));
   if constexpr (kKind == IndexKind::kCieWhiteness || kKind == IndexKind::kCieTint ||
                 kKind == IndexKind::kGanzWhiteness || kKind == IndexKind::kGanzTint) {
@@ -184,7 +182,7 @@ void EvaluateKind(const IndexPlan& plan, const double* xyz, std::size_t xyzStrid
   for (std::size_t i = 0; i < 4; ++i) k[i] = hn::Set(d, plan.k[i]);
   // Records of stride 3 (the C interface's, the bindings') are taken apart by
   // LoadInterleaved3; other strides are gathered into columns by plain loads.
-  HWY_ALIGN double cx[kMaxLanes], cy[kMaxLanes], cz[kMaxLanes], flag[kMaxLanes];
+  HWY_ALIGN double cx[kMaxLanes], cy[kMaxLanes], cz[kMaxLanes];
   std::size_t n = 0;
   for (; n + lanes <= count; n += lanes) {
     const double* s = xyz + n * xyzStride;
@@ -204,10 +202,10 @@ void EvaluateKind(const IndexPlan& plan, const double* xyz, std::size_t xyzStrid
     hn::StoreU(EvaluateLanes<kKind>(d, k, X, Y, Z), d, out + n);
     const auto refine = LanesForSampleFunction<kKind>(d, X, Y, Z);
     if (!hn::AllFalse(d, refine)) {
-      hn::Store(hn::IfThenElseZero(refine, hn::Set(d, 1.0)), d, flag);
+      const std::uint64_t bits = LaneBits(d, refine);
       for (std::size_t j = 0; j < lanes; ++j) {
         const double* sample = s + j * xyzStride;
-        if (flag[j] != 0.0) out[n + j] = SampleFunction(plan, sample[0], sample[1], sample[2]);
+        if ((bits >> j) & 1) out[n + j] = SampleFunction(plan, sample[0], sample[1], sample[2]);
       }
     }
   }
