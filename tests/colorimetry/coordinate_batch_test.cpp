@@ -10,6 +10,7 @@
 #include <tuple>
 #include <vector>
 
+#include "tests/sanitizer.h"
 #include "tests/tolerances.h"
 #include "velquor/colorimetry/chromaticity.h"
 #include "velquor/colorimetry/constants.h"
@@ -181,11 +182,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 // Ten million random samples at the default level and threads (fewer under sanitizers).
 TEST(CoordinateBatchVolume, TenMillionRandomSamplesAgree) {
-#if defined(__SANITIZE_ADDRESS__)
-  constexpr std::size_t kBlocks = 1;
-#else
-  constexpr std::size_t kBlocks = 10;
-#endif
+  constexpr std::size_t kBlocks = test::Volume(10, 1);
   for (std::size_t block = 0; block < kBlocks; ++block) {
     const std::vector<double> xyz = RandomSamples(500000, 100 + static_cast<unsigned>(block));
     for (const Kind& kind : kKinds) CheckBatch(kind, xyz);

@@ -13,7 +13,8 @@
 #include <tuple>
 #include <vector>
 
-#include "../tolerances.h"
+#include "tests/sanitizer.h"
+#include "tests/tolerances.h"
 #include "velquor/difference/color_difference.h"
 #include "velquor/frame/batch_threads.h"
 #include "velquor/frame/constants.h"
@@ -25,18 +26,7 @@
 namespace velquor {
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
-#define VELQUOR_TEST_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define VELQUOR_TEST_SANITIZED 1
-#endif
-#endif
-#if defined(VELQUOR_TEST_SANITIZED)
-constexpr std::size_t kRandomPairsInTotal = 100'000;
-#else
-constexpr std::size_t kRandomPairsInTotal = 10'000'000;
-#endif
+constexpr std::size_t kRandomPairsInTotal = test::Volume(10'000'000, 100'000);
 
 constexpr std::size_t kSample = kBatchSampleDoubles;
 constexpr std::size_t kSlots = kBatchDifferenceDoubles;

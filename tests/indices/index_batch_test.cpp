@@ -10,7 +10,8 @@
 #include <tuple>
 #include <vector>
 
-#include "tolerances.h"
+#include "tests/sanitizer.h"
+#include "tests/tolerances.h"
 #include "velquor/colorimetry/weight_table_cache.h"
 #include "velquor/data/value_vectors.h"
 #include "velquor/frame/batch_threads.h"
@@ -22,20 +23,9 @@
 namespace velquor {
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
-#define VELQUOR_TEST_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define VELQUOR_TEST_SANITIZED 1
-#endif
-#endif
 // Random triples in all (the strength batch tests take the rest of the ten million random
 // inputs).
-#if defined(VELQUOR_TEST_SANITIZED)
-constexpr std::size_t kRandomSamples = 160000;
-#else
-constexpr std::size_t kRandomSamples = 8000000;
-#endif
+constexpr std::size_t kRandomSamples = test::Volume(8000000, 160000);
 
 using Limits = std::numeric_limits<double>;
 constexpr double kGanzWhiteness[] = {1.0, -1868.322, -3695.69, 1809.441};

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/sanitizer.h"
 #include "velquor/frame/batch_threads.h"
 #include "velquor/io/cgats_reader.h"
 
@@ -147,14 +148,7 @@ TEST_P(CgatsBlocks, OddRowLateInTheTableGivesTheSameMessage) {
   EXPECT_EQ(ReadInBlocks(open).front(), "big.cgats:7: BEGIN_DATA of line 7 has no END_DATA");
 }
 
-#if defined(__SANITIZE_ADDRESS__)
-#define VELQUOR_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define VELQUOR_SANITIZED 1
-#endif
-#endif
-#if defined(VELQUOR_SANITIZED)
+#if defined(VELQUOR_TEST_SANITIZED)
 // Each case reads some 4 MB twice; under the sanitizers one split over threads is enough.
 INSTANTIATE_TEST_SUITE_P(Threads, CgatsBlocks, ::testing::Values(2));
 #else

@@ -9,7 +9,8 @@
 #include <tuple>
 #include <vector>
 
-#include "tolerances.h"
+#include "tests/sanitizer.h"
+#include "tests/tolerances.h"
 #include "velquor/colorimetry/tristimulus.h"
 #include "velquor/frame/batch_threads.h"
 #include "velquor/frame/constants.h"
@@ -20,19 +21,8 @@
 namespace velquor {
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
-#define VELQUOR_TEST_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define VELQUOR_TEST_SANITIZED 1
-#endif
-#endif
 // Random batch spectra in all (the index tests take the rest of the ten million random inputs).
-#if defined(VELQUOR_TEST_SANITIZED)
-constexpr std::size_t kRandomBatches = 40000;
-#else
-constexpr std::size_t kRandomBatches = 2000000;
-#endif
+constexpr std::size_t kRandomBatches = test::Volume(2000000, 40000);
 
 constexpr int kThreadCounts[] = {1, 2, 8};
 constexpr std::size_t kPoints = CKSData::kLength;
