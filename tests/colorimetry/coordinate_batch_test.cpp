@@ -20,6 +20,7 @@
 #include "velquor/colorimetry/luv.h"
 #include "velquor/frame/batch_threads.h"
 #include "velquor/frame/constants.h"
+#include "velquor/frame/numeric.h"
 #include "velquor/frame/options.h"
 #include "velquor/frame/simd_dispatch.h"
 
@@ -101,6 +102,9 @@ bool Same(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)
 // same IEEE operations), the hue within the vector atan2's few ulp. NaN matches NaN.
 void ExpectAgreement(const Kind& kind, const double* batch, const double* single,
                      const double* xyz) {
+  if (IsMissing(xyz[0]) || IsMissing(xyz[1]) || IsMissing(xyz[2])) {
+    for (int k = 0; k < 5; ++k) ASSERT_EQ(batch[k], kMissing) << kind.name << " slot " << k;
+  }
   for (int k = 0; k < 5; ++k) {
     if (Same(batch[k], single[k])) continue;
     const double tolerance =
@@ -233,7 +237,13 @@ TEST(CoordinateBatchScalarKinds, HunterLabAndChromaticityAreTheScalarFunctions) 
   }
   EXPECT_EQ(xy[2], kMissing);
   EXPECT_EQ(XYZToHunterLabBatch(2, 1, xyz.data(), 2, hunter.data(), 3, count), 0u);
+  EXPECT_EQ(XYZToHunterLabBatch(2, 1, xyz.data(), 3, hunter.data(), 2, count), 0u);
+  EXPECT_EQ(XYZToHunterLabBatch(2, 1, nullptr, 3, hunter.data(), 3, count), 0u);
+  EXPECT_EQ(XYZToHunterLabBatch(2, 1, xyz.data(), 3, nullptr, 3, count), 0u);
   EXPECT_EQ(XYZToChromaticityBatch(xyz.data(), 3, xy.data(), 1, count), 0u);
+  EXPECT_EQ(XYZToChromaticityBatch(xyz.data(), 2, xy.data(), 2, count), 0u);
+  EXPECT_EQ(XYZToChromaticityBatch(nullptr, 3, xy.data(), 2, count), 0u);
+  EXPECT_EQ(XYZToChromaticityBatch(xyz.data(), 3, nullptr, 2, count), 0u);
   SetBatchThreads(0);
 }
 

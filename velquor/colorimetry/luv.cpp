@@ -63,15 +63,16 @@ void LuvToXYZRecord(const double* white, double lStar, double uStar, double vSta
 }  // namespace
 
 void XYZToLuv(const double white[3], const double xyz[3], double luv[5]) {
-  const double denominator =
-      IsMissingWhite(white) ? 0.0 : UcsDenominator(xyz[0], xyz[1], xyz[2]);
-  const double whiteDenominator =
-      IsMissingWhite(white) ? 0.0 : UcsDenominator(white[0], white[1], white[2]);
-  if (IsMissing(xyz[0]) || IsMissing(xyz[1]) || IsMissing(xyz[2]) || IsZero(denominator) ||
-      IsZero(whiteDenominator)) {
+  // Black (X + 15Y + 3Z = 0) has no chromaticity: missing, like a missing input.
+  const bool defined = !IsMissingWhite(white) && !IsMissing(xyz[0]) && !IsMissing(xyz[1]) &&
+                       !IsMissing(xyz[2]) && !IsZero(UcsDenominator(xyz[0], xyz[1], xyz[2])) &&
+                       !IsZero(UcsDenominator(white[0], white[1], white[2]));
+  if (!defined) {
     for (int i = 0; i < 5; ++i) luv[i] = kMissing;
     return;
   }
+  const double denominator = UcsDenominator(xyz[0], xyz[1], xyz[2]);
+  const double whiteDenominator = UcsDenominator(white[0], white[1], white[2]);
   const double yr = xyz[1] / white[1];
   const double lStar = yr > kLabEpsilon ? 116.0 * CubeRoot(yr) - 16.0 : kLuvKappa * yr;
   const double uPrime = 4.0 * xyz[0] / denominator;
