@@ -11,6 +11,7 @@
 #include <tuple>
 #include <vector>
 
+#include "tests/levels_and_threads.h"
 #include "velquor/colorimetry/tristimulus.h"
 #include "velquor/frame/batch_threads.h"
 #include "velquor/frame/constants.h"
@@ -121,12 +122,7 @@ INSTANTIATE_TEST_SUITE_P(Levels, XYZKernelLevel, ::testing::Range(0, SimdLevelCo
                          });
 
 // A batch of several chunks at every level and at 1, 2 and 8 threads: ComputeXYZ's bits.
-class XYZKernelThreads : public ::testing::TestWithParam<std::tuple<int, int>> {
-  void TearDown() override {
-    SetSimdLevelForTesting(-1);
-    SetBatchThreads(0);
-  }
-};
+class XYZKernelThreads : public test::LevelsAndThreadsTest {};
 
 TEST_P(XYZKernelThreads, LargeBatchIsBitIdenticalToComputeXYZ) {
   constexpr std::size_t kCurves = 10007;
@@ -136,8 +132,6 @@ TEST_P(XYZKernelThreads, LargeBatchIsBitIdenticalToComputeXYZ) {
     for (std::size_t i = 0; i < 40; ++i) spectra[n * 40 + i] = pool[(n % kPoolSize) * 40 + i];
     spectra[n * 40 + n % 40] *= 1.0 + static_cast<double>(n) * 1e-6;  // every curve distinct
   }
-  SetSimdLevelForTesting(std::get<0>(GetParam()));
-  SetBatchThreads(std::get<1>(GetParam()));
   std::vector<double> xyz(kCurves * 3);
   ASSERT_EQ(ComputeXYZBatch(spectra.data(), kCurves, 40, 2, 1, xyz.data(), 3), 1);
   CKSData curve;
@@ -153,13 +147,8 @@ TEST_P(XYZKernelThreads, LargeBatchIsBitIdenticalToComputeXYZ) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(LevelsAndThreads, XYZKernelThreads,
-                         ::testing::Combine(::testing::Range(0, SimdLevelCount()),
-                                            ::testing::Values(1, 2, 8)),
-                         [](const auto& info) {
-                           return std::string(SimdLevelName(std::get<0>(info.param))) + "_" +
-                                  std::to_string(std::get<1>(info.param)) + "threads";
-                         });
+INSTANTIATE_TEST_SUITE_P(LevelsAndThreads, XYZKernelThreads, test::LevelsAndThreads(),
+                         test::LevelsAndThreadsName);
 
 // Out-of-range levels are ignored, and -1 returns to the best level, which is the last one.
 TEST(SetSimdLevelForTesting, IgnoresUnknownLevelsAndMinusOneRestoresTheBest) {

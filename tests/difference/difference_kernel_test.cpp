@@ -13,6 +13,7 @@
 #include <tuple>
 #include <vector>
 
+#include "tests/levels_and_threads.h"
 #include "tests/sanitizer.h"
 #include "tests/tolerances.h"
 #include "velquor/difference/color_difference.h"
@@ -138,22 +139,13 @@ void ExpectAgreement(int system, const std::vector<double>& standards, std::size
 }
 
 // Every SIMD level the machine has, at 1, 2 and 8 batch threads.
-class DifferenceKernel : public ::testing::TestWithParam<std::tuple<int, int>> {
+class DifferenceKernel : public test::LevelsAndThreadsTest {
  protected:
-  void SetUp() override {
-    threads_ = BatchThreads();
-    SetSimdLevelForTesting(std::get<0>(GetParam()));
-    SetBatchThreads(std::get<1>(GetParam()));
-  }
   void TearDown() override {
-    SetSimdLevelForTesting(-1);
-    SetBatchThreads(threads_);
+    LevelsAndThreadsTest::TearDown();
     SetHueInDegrees(1);
   }
   static std::size_t Instances() { return static_cast<std::size_t>(SimdLevelCount()) * 3; }
-
- private:
-  int threads_ = 0;
 };
 
 TEST_P(DifferenceKernel, AgreesWithTheScalarDispatcherOnThresholdSamples) {
@@ -194,13 +186,8 @@ TEST_P(DifferenceKernel, AgreesWithTheScalarDispatcherOnRandomSamples) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(LevelsAndThreads, DifferenceKernel,
-                         ::testing::Combine(::testing::Range(0, SimdLevelCount()),
-                                            ::testing::Values(1, 2, 8)),
-                         [](const auto& info) {
-                           return std::string(SimdLevelName(std::get<0>(info.param))) + "_" +
-                                  std::to_string(std::get<1>(info.param)) + "threads";
-                         });
+INSTANTIATE_TEST_SUITE_P(LevelsAndThreads, DifferenceKernel, test::LevelsAndThreads(),
+                         test::LevelsAndThreadsName);
 
 // Strides wider than a sample and a result: the batch reads and writes only its own doubles.
 // The chromaticity mode leaves slots 3-7 at 0 whatever the output held.

@@ -10,6 +10,7 @@
 #include <tuple>
 #include <vector>
 
+#include "tests/levels_and_threads.h"
 #include "tests/sanitizer.h"
 #include "tests/tolerances.h"
 #include "velquor/colorimetry/weight_table_cache.h"
@@ -112,17 +113,7 @@ void ExpectBatchAgrees(std::uint32_t identifier, int illuminant, int observer,
 }
 
 // Every SIMD level the machine has, at 1, 2 and 8 threads.
-class IndexBatch : public ::testing::TestWithParam<std::tuple<int, int>> {
- protected:
-  void SetUp() override {
-    SetSimdLevelForTesting(std::get<0>(GetParam()));
-    SetBatchThreads(std::get<1>(GetParam()));
-  }
-  void TearDown() override {
-    SetSimdLevelForTesting(-1);
-    SetBatchThreads(0);
-  }
-};
+class IndexBatch : public test::LevelsAndThreadsTest {};
 
 // Every identifier, every illuminant with both observers and the observer code 2 (which the
 // Ganz/Griesser pair refuses and the others take as 10 degree), on the threshold triples and a
@@ -176,13 +167,8 @@ TEST_P(IndexBatch, AgreesOnLargeRandomBatches) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(LevelsAndThreads, IndexBatch,
-                         ::testing::Combine(::testing::Range(0, SimdLevelCount()),
-                                            ::testing::ValuesIn(kThreadCounts)),
-                         [](const testing::TestParamInfo<std::tuple<int, int>>& info) {
-                           return std::string(SimdLevelName(std::get<0>(info.param))) + "_" +
-                                  std::to_string(std::get<1>(info.param)) + "threads";
-                         });
+INSTANTIATE_TEST_SUITE_P(LevelsAndThreads, IndexBatch, test::LevelsAndThreads(),
+                         test::LevelsAndThreadsName);
 
 // What the batch refuses, leaving the output as it was; an empty batch is accepted.
 TEST(IndexBatchArguments, RefusesUnknownIdentifiersShortStridesAndNullPointers) {

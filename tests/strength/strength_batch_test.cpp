@@ -9,6 +9,7 @@
 #include <tuple>
 #include <vector>
 
+#include "tests/levels_and_threads.h"
 #include "tests/sanitizer.h"
 #include "tests/tolerances.h"
 #include "velquor/colorimetry/tristimulus.h"
@@ -129,17 +130,7 @@ void ExpectBatchAgrees(const CStrengthSettings& settings, const Curve& standard,
   }
 }
 
-class StrengthBatchTest : public ::testing::TestWithParam<std::tuple<int, int>> {
- protected:
-  void SetUp() override {
-    SetSimdLevelForTesting(std::get<0>(GetParam()));
-    SetBatchThreads(std::get<1>(GetParam()));
-  }
-  void TearDown() override {
-    SetSimdLevelForTesting(-1);
-    SetBatchThreads(0);
-  }
-};
+class StrengthBatchTest : public test::LevelsAndThreadsTest {};
 
 // Every method (and two codes outside 0..14, which compute as apparent), K/S and density,
 // every Saunderson setting, every standard with its threshold batches and some random ones,
@@ -191,13 +182,8 @@ TEST_P(StrengthBatchTest, AgreesOnLargeRandomBatches) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(LevelsAndThreads, StrengthBatchTest,
-                         ::testing::Combine(::testing::Range(0, SimdLevelCount()),
-                                            ::testing::ValuesIn(kThreadCounts)),
-                         [](const testing::TestParamInfo<std::tuple<int, int>>& info) {
-                           return std::string(SimdLevelName(std::get<0>(info.param))) + "_" +
-                                  std::to_string(std::get<1>(info.param)) + "threads";
-                         });
+INSTANTIATE_TEST_SUITE_P(LevelsAndThreads, StrengthBatchTest, test::LevelsAndThreads(),
+                         test::LevelsAndThreadsName);
 
 TEST(StrengthBatchArguments, RefusesShortStridesAndNullPointers) {
   const CKSData standard;
