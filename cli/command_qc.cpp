@@ -1,7 +1,10 @@
 // velquor diff STANDARD TRIALS and velquor qc STANDARD TRIALS: every trial against the
 // standard in a difference system; qc adds the tolerance, several conditions, the batch
 // summary, indices and strength.
+#include <cstddef>
+#include <filesystem>
 #include <limits>
+#include <system_error>
 
 #include "command_support.h"
 #include "report.h"
@@ -10,9 +13,16 @@ namespace velquor::cli {
 
 namespace {
 
+bool SameFile(const std::string& a, const std::string& b) {
+  std::error_code error;
+  return a == b || std::filesystem::equivalent(a, b, error);
+}
+
 const OptionDefinition kStandardName{
     'n', "standard-name", OptionValue::kRequired, "NAME",
-    "the standard is the sample NAME of STANDARD (default: its first)"};
+    "the standard is the sample NAME of STANDARD (default: its first; case is ignored when no "
+    "name matches exactly). When STANDARD and TRIALS are one file, the standard is not one of "
+    "the trials"};
 
 // Reads both files and the options diff and qc share into `settings`.
 bool PrepareComparison(const ParsedArguments& parsed, const std::string& defaultSystem,
@@ -24,11 +34,17 @@ bool PrepareComparison(const ParsedArguments& parsed, const std::string& default
     return false;
   }
   SampleSet standards;
+  std::size_t standardIndex = 0;
   if (!ReadConditions(parsed, settings.conditions, io) ||
       !ReadSamples(parsed, parsed.positional[0], standards, io) ||
-      !PickStandard(parsed, standards, standard, io) ||
+      !PickStandard(parsed, standards, standard, io, &standardIndex) ||
       !ReadSamples(parsed, parsed.positional[1], trials, io)) {
     return false;
+  }
+  // One file for both (the usual instrument export): the standard is not its own trial.
+  if (SameFile(parsed.positional[0], parsed.positional[1]) &&
+      standardIndex < trials.samples.size()) {
+    trials.samples.erase(trials.samples.begin() + static_cast<std::ptrdiff_t>(standardIndex));
   }
   notes = standards.notes;
   notes.insert(notes.end(), trials.notes.begin(), trials.notes.end());

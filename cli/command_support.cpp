@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "report.h"
+#include "sample_names.h"
 #include "velquor/frame/utf8.h"
 #include "velquor/io/atomic_file.h"
 
@@ -106,20 +107,23 @@ bool ReadSamples(const ParsedArguments& args, const std::string& path, SampleSet
 }
 
 bool PickStandard(const ParsedArguments& args, const SampleSet& set, QcSample& out,
-                  CommandOutput& io) {
-  if (!args.Has("standard-name")) {
-    out = set.samples.front();
-    return true;
-  }
-  const std::string name = args.Get("standard-name");
-  for (const QcSample& sample : set.samples) {
-    if (sample.name == name) {
-      out = sample;
-      return true;
+                  CommandOutput& io, std::size_t* index) {
+  std::size_t found = 0;
+  if (args.Has("standard-name")) {
+    const std::string name = args.Get("standard-name");
+    std::vector<std::string> names;
+    names.reserve(set.samples.size());
+    for (const QcSample& sample : set.samples) names.push_back(sample.name);
+    found = FindSampleName(names, name);
+    if (found == kNoSample) {
+      io.err += "velquor: " + set.source + ": no sample named '" + name + "'" +
+                MissingNameHelp(names, name) + "\n";
+      return false;
     }
   }
-  io.err += "velquor: " + set.source + ": no sample named '" + name + "'\n";
-  return false;
+  out = set.samples[found];
+  if (index != nullptr) *index = found;
+  return true;
 }
 
 bool WriteTextFile(const std::string& path, const std::string& text, std::string& error) {

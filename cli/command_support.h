@@ -36,9 +36,11 @@ bool ReadConditions(const ParsedArguments& args, std::vector<Condition>& out, Co
 bool ReadSamples(const ParsedArguments& args, const std::string& path, SampleSet& out,
                  CommandOutput& io, bool keepRows = false);
 
-// Picks the standard: the sample named by --standard-name, else the first sample.
+// Picks the standard: the sample named by --standard-name (exactly, else ignoring ASCII case;
+// a miss names the closest sample and lists them), else the first sample. Its position in the
+// set goes to `index` when given.
 bool PickStandard(const ParsedArguments& args, const SampleSet& set, QcSample& out,
-                  CommandOutput& io);
+                  CommandOutput& io, std::size_t* index = nullptr);
 
 // Writes `table` in the formats the options ask for: text to io.out unless --csv or --json
 // go there; files for --csv=FILE, --json=FILE and --html FILE. False (after writing the
