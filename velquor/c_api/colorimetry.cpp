@@ -194,7 +194,9 @@ int vq_lab_batch(const double* spectra, size_t count, int illuminant, int observ
       }
       return VQ_ERR_NOT_FOUND;
     }
-    // The nested batch calls below run in the thread that runs the chunk.
+    // The nested batch calls below run in the thread that runs the chunk; the white is looked
+    // up once for all of them.
+    const double* white = FindReferenceWhite(illuminant, observer);
     ParallelFor(count, kLabBatchChunk, [&](std::size_t begin, std::size_t end) {
       vq_xyz step[kLabBatchStep];
       for (std::size_t first = begin; first < end; first += kLabBatchStep) {
@@ -202,8 +204,8 @@ int vq_lab_batch(const double* spectra, size_t count, int illuminant, int observ
         vq_xyz* target = xyz != nullptr ? xyz + first : step;
         ComputeXYZBatch(spectra + first * kSpectrumPoints, n, kSpectrumPoints, illuminant,
                         observer, Values(*target), kXYZStride);
-        XYZToLabBatch(illuminant, observer, Values(*target), kXYZStride, Values(lab[first]),
-                      kCoordinatesStride, n);
+        XYZToLabBatch(white, Values(*target), kXYZStride, Values(lab[first]), kCoordinatesStride,
+                      n);
       }
     });
     return result;
